@@ -27,14 +27,31 @@ PixelFormat FormatOf(DFBSurfacePixelFormat format)
     }
 }
 
+bool ScreenLayer::IsDesktop(const CoreSurface& surface)
+{
+    if (_desktop == 0 && dfb_config->layers[_id].init)
+        _desktop = surface.object.id;
+    return surface.object.id == _desktop;
+}
+
+bool ScreenLayer::Shows(const CoreSurface& surface)
+{
+    if (!IsDesktop(surface)) {
+        _program_seen = true;
+        return true;
+    }
+    if (_program_seen)
+        Hide();
+    return !_program_seen;
+}
+
 void ScreenLayer::Configure(const CoreLayerRegionConfig& config, CoreLayerRegionConfigFlags updated,
                             const CorePalette* palette, const CoreSurfaceBufferLock* front)
 {
     std::lock_guard<std::mutex> guard(_mutex);
 
-    // A palette change alone comes with the back buffer locked, other changes with none at all.
-    if ((updated & (CLRCF_SURFACE | CLRCF_WIDTH | CLRCF_HEIGHT | CLRCF_FORMAT)) != 0 &&
-        front != nullptr) {
+    // A palette change alone comes with the back buffer, some others with no buffer at all.
+    if ((updated & (CLRCF_SURFACE | CLRCF_WIDTH | CLRCF_HEIGHT | CLRCF_FORMAT)) != 0) {
         _facts.width = static_cast<std::uint32_t>(config.width);
         _facts.height = static_cast<std::uint32_t>(config.height);
         _facts.format = FormatOf(config.format);
@@ -139,8 +156,9 @@ DFBResult SetRegion(CoreLayer*, void* driver_data, void*, void*, CoreLayerRegion
                     CoreLayerRegionConfigFlags updated, CoreSurface* surface, CorePalette* palette,
                     CoreSurfaceBufferLock* left_lock, CoreSurfaceBufferLock*)
 {
-    static_cast<ScreenLayer*>(driver_data)
-        ->Configure(*config, updated, palette, surface != nullptr ? left_lock : nullptr);
+    ScreenLayer& layer = *static_cast<ScreenLayer*>(driver_data);
+    if (surface != nullptr && layer.Shows(*surface))
+        layer.Configure(*config, updated, palette, left_lock);
     return DFB_OK;
 }
 
@@ -155,16 +173,20 @@ DFBResult FlipRegion(CoreLayer*, void* driver_data, void*, void*, CoreSurface* s
                      DFBSurfaceFlipFlags, const DFBRegion*, CoreSurfaceBufferLock* left_lock,
                      const DFBRegion*, CoreSurfaceBufferLock*)
 {
+    ScreenLayer& layer = *static_cast<ScreenLayer*>(driver_data);
     const DFBResult result = dfb_surface_flip(surface, false);
-    if (result == DFB_OK)
-        static_cast<ScreenLayer*>(driver_data)->Flip(*left_lock);
+    if (result == DFB_OK && layer.Shows(*surface))
+        layer.Flip(*left_lock);
     return result;
 }
 
-DFBResult UpdateRegion(CoreLayer*, void* driver_data, void*, void*, CoreSurface*, const DFBRegion*,
-                       CoreSurfaceBufferLock*, const DFBRegion*, CoreSurfaceBufferLock*)
+DFBResult UpdateRegion(CoreLayer*, void* driver_data, void*, void*, CoreSurface* surface,
+                       const DFBRegion*, CoreSurfaceBufferLock*, const DFBRegion*,
+                       CoreSurfaceBufferLock*)
 {
-    static_cast<ScreenLayer*>(driver_data)->Update();
+    ScreenLayer& layer = *static_cast<ScreenLayer*>(driver_data);
+    if (layer.Shows(*surface))
+        layer.Update();
     return DFB_OK;
 }
 

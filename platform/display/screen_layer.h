@@ -14,7 +14,13 @@ namespace kestrin_display {
 /** @return the screen file's name of a DirectFB format; None when layers do not take it */
 PixelFormat FormatOf(DFBSurfacePixelFormat format);
 
-/** The driver data of one layer. The memory outlives it. */
+/**
+ * The driver data of one layer. The memory outlives it.
+ *
+ * DirectFB gives a layer that no program holds a desktop. It is shown until the first program takes
+ * the layer for itself; afterwards the layer is off while no program has it, and the screen file
+ * keeps the last picture for those who look at it after the program's end.
+ */
 class ScreenLayer
 {
 public:
@@ -28,6 +34,16 @@ public:
 
     ScreenMemory& Memory() { return _memory; }
     std::uint32_t Id() const { return _id; }
+
+    /**
+     * Whether a surface of this layer is its desktop. DirectFB makes desktops while it starts, so a
+     * layer's first surface is the one; without the option `init-layer` a layer has none.
+     */
+    bool IsDesktop(const CoreSurface& surface);
+
+    /** @return whether pictures of the surface appear on the screen; switches the layer off if not
+     */
+    bool Shows(const CoreSurface& surface);
 
     /** Takes over what `updated` names. `front` is valid when it names the surface or its shape. */
     void Configure(const CoreLayerRegionConfig& config, CoreLayerRegionConfigFlags updated,
@@ -50,6 +66,8 @@ private:
     const std::uint32_t _id;
     std::mutex _mutex;
     LayerFacts _facts = {};
+    FusionObjectID _desktop = 0; // the desktop's surface; 0 before there is one
+    bool _program_seen = false;
 };
 
 } // namespace kestrin_display

@@ -10,8 +10,8 @@
 namespace kestrin_display {
 namespace {
 
-// Triple buffers of two 1920 x 1080 layers with 4 bytes a pixel take less than half of it.
-constexpr std::uint64_t memory_size = 128 * 1024 * 1024;
+// Each half holds triple buffers of two 1920 x 1080 layers with 4 bytes a pixel, and more.
+constexpr std::uint64_t memory_size = 192 * 1024 * 1024;
 
 // Below 4 GiB, as on a set-top box, so that clients with 32-bit addresses keep all of it.
 constexpr std::uint64_t physical_base = 0x40000000;
@@ -65,18 +65,20 @@ LayerBlock& ScreenMemory::Block(std::uint32_t layer)
                                           LayerBlockOffset(layer));
 }
 
-std::optional<std::uint64_t> ScreenMemory::Allocate(std::uint64_t size)
+std::optional<std::uint64_t> ScreenMemory::Allocate(std::uint64_t size, Area area)
 {
     const std::uint64_t wanted = WholePages(size);
 
-    // The first page stays inaccessible, and so does the one behind every buffer.
-    std::uint64_t offset = _page;
-    for (const auto& [used, used_size] : _buffers) {
-        if (offset + wanted + _page <= used)
+    // The first page of the area stays inaccessible, and so does the one behind every buffer.
+    const std::uint64_t half = _header->memory_size / 2;
+    const std::uint64_t begin = area == Area::Programs ? 0 : half;
+    std::uint64_t offset = begin + _page;
+    for (auto used = _buffers.lower_bound(offset); used != _buffers.end(); ++used) {
+        if (offset + wanted + _page <= used->first)
             break;
-        offset = used + used_size + _page;
+        offset = used->first + used->second + _page;
     }
-    if (offset + wanted + _page > _header->memory_size)
+    if (offset + wanted + _page > begin + half)
         return std::nullopt;
 
     // A full disk would otherwise end the program at the first pixel instead of here.

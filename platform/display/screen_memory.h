@@ -24,6 +24,13 @@ namespace kestrin_display {
 class ScreenMemory
 {
 public:
+    /** The halves of the video memory; one is left untouched while the other is used. */
+    enum class Area
+    {
+        Programs,
+        Desktops
+    };
+
     /**
      * Makes the file, in place of one with the same name.
      *
@@ -51,10 +58,11 @@ public:
      * Takes memory for one buffer. Its contents are what was there before, zeros at first.
      *
      * @param size  in bytes, above 0
+     * @param area  where to look for it
      * @return the offset in the video memory, a multiple of the page size and never 0; nothing when
      *         memory or disk are full
      */
-    std::optional<std::uint64_t> Allocate(std::uint64_t size);
+    std::optional<std::uint64_t> Allocate(std::uint64_t size, Area area);
 
     /** Gives a buffer back. Its pages become inaccessible; the picture stays in the file. */
     void Free(std::uint64_t offset);

@@ -1,7 +1,6 @@
 #include "screen_pool.h"
 
-#include "screen_layer.h"
-#include "screen_memory.h"
+#include "screen_system.h"
 
 #include <cstdio>
 
@@ -13,7 +12,7 @@ constexpr std::uint32_t pitch_alignment = 16;
 
 struct PoolLocal
 {
-    ScreenMemory* memory;
+    ScreenSystem* system;
 };
 
 struct Buffer
@@ -22,9 +21,9 @@ struct Buffer
     std::uint32_t pitch;  // in bytes
 };
 
-ScreenMemory& MemoryOf(void* pool_local)
+ScreenSystem& SystemOf(void* pool_local)
 {
-    return *static_cast<PoolLocal*>(pool_local)->memory;
+    return *static_cast<PoolLocal*>(pool_local)->system;
 }
 
 int PoolLocalDataSize()
@@ -40,8 +39,8 @@ int AllocationDataSize()
 DFBResult InitPool(CoreDFB*, CoreSurfacePool*, void*, void* pool_local, void* system_data,
                    CoreSurfacePoolDescription* description)
 {
-    auto* memory = static_cast<ScreenMemory*>(system_data);
-    static_cast<PoolLocal*>(pool_local)->memory = memory;
+    auto* system = static_cast<ScreenSystem*>(system_data);
+    static_cast<PoolLocal*>(pool_local)->system = system;
 
     constexpr auto all = static_cast<CoreSurfaceAccessFlags>(CSAF_READ | CSAF_WRITE | CSAF_SHARED);
     description->caps =
@@ -53,7 +52,7 @@ DFBResult InitPool(CoreDFB*, CoreSurfacePool*, void*, void* pool_local, void* sy
     description->types =
         static_cast<CoreSurfaceTypeFlags>(CSTF_LAYER | CSTF_SHARED | CSTF_EXTERNAL);
     description->priority = CSPP_ULTIMATE;
-    description->size = memory->Size();
+    description->size = system->memory->Size();
     std::snprintf(description->name, DFB_SURFACE_POOL_DESC_NAME_LENGTH, "Screen file");
     return DFB_OK;
 }
@@ -61,12 +60,14 @@ DFBResult InitPool(CoreDFB*, CoreSurfacePool*, void*, void* pool_local, void* sy
 DFBResult TestConfig(CoreSurfacePool*, void*, void*, CoreSurfaceBuffer* buffer,
                      const CoreSurfaceConfig* config)
 {
-    if ((buffer->surface->type & CSTF_LAYER) == 0 || FormatOf(config->format) == PixelFormat::None)
+    if ((buffer->surface->type & CSTF_LAYER) == 0 ||
+        buffer->surface->resource_id >= screen_layer_count ||
+        FormatOf(config->format) == PixelFormat::None)
         return DFB_UNSUPPORTED;
     return DFB_OK;
 }
 
-DFBResult AllocateBuffer(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceBuffer*,
+DFBResult AllocateBuffer(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceBuffer* buffer,
                          CoreSurfaceAllocation* allocation, void* alloc_data)
 {
     const CoreSurfaceConfig& config = allocation->config;
@@ -75,13 +76,19 @@ DFBResult AllocateBuffer(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceB
     const std::uint32_t pitch = (row + pitch_alignment - 1) / pitch_alignment * pitch_alignment;
     const std::uint64_t size = std::uint64_t{pitch} * static_cast<std::uint32_t>(config.size.h);
 
-    const auto offset = MemoryOf(pool_local).Allocate(size);
+    // What DirectFB paints when a program leaves its layer must not destroy the program's picture.
+    const CoreSurface& surface = *buffer->surface;
+    ScreenSystem& system = SystemOf(pool_local);
+    const auto area = system.layers[surface.resource_id]->IsDesktop(surface)
+                          ? ScreenMemory::Area::Desktops
+                          : ScreenMemory::Area::Programs;
+    const auto offset = system.memory->Allocate(size, area);
     if (!offset)
         return DFB_NOVIDEOMEMORY;
 
-    auto& buffer = *static_cast<Buffer*>(alloc_data);
-    buffer.offset = *offset;
-    buffer.pitch = pitch;
+    auto& taken = *static_cast<Buffer*>(alloc_data);
+    taken.offset = *offset;
+    taken.pitch = pitch;
     allocation->offset = *offset;
     allocation->size = static_cast<int>(size);
     return DFB_OK;
@@ -90,14 +97,14 @@ DFBResult AllocateBuffer(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceB
 DFBResult DeallocateBuffer(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceBuffer*,
                            CoreSurfaceAllocation*, void* alloc_data)
 {
-    MemoryOf(pool_local).Free(static_cast<Buffer*>(alloc_data)->offset);
+    SystemOf(pool_local).memory->Free(static_cast<Buffer*>(alloc_data)->offset);
     return DFB_OK;
 }
 
 DFBResult Lock(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceAllocation*, void* alloc_data,
                CoreSurfaceBufferLock* lock)
 {
-    const ScreenMemory& memory = MemoryOf(pool_local);
+    const ScreenMemory& memory = *SystemOf(pool_local).memory;
     const auto& buffer = *static_cast<Buffer*>(alloc_data);
 
     lock->offset = buffer.offset;

@@ -10,7 +10,8 @@
 
 namespace kestrin_display {
 
-/** What DirectFB's surface core calls; the pool is initialised with a ScreenMemory as its context.
+/** What DirectFB's surface core calls; the pool is initialised with the ScreenSystem as its
+ * context.
  */
 extern const SurfacePoolFuncs screen_pool_functions;
 

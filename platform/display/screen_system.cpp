@@ -6,12 +6,11 @@
  * through DirectFB's own options: `fbdev=FILE` names the screen file, `mode=WIDTHxHEIGHT` gives the
  * size of the screen.
  */
+#include "screen_system.h"
+
 #include "directfb_core.h"
-#include "screen_layer.h"
-#include "screen_memory.h"
 #include "screen_pool.h"
 
-#include <array>
 #include <cstdio>
 #include <memory>
 
@@ -21,17 +20,9 @@ namespace {
 constexpr int default_width = 1280;
 constexpr int default_height = 720;
 
-/** Everything between initialisation and shutdown. */
-struct System
-{
-    std::unique_ptr<ScreenMemory> memory;
-    std::array<std::unique_ptr<ScreenLayer>, screen_layer_count> layers;
-    CoreSurfacePool* pool = nullptr;
-};
-
 // A program may end without shutting DirectFB down, while its threads still run. Nothing must
 // then be destroyed under them, so this is a plain pointer.
-System* the_system = nullptr;
+ScreenSystem* the_system = nullptr;
 
 DFBResult InitScreen(CoreScreen*, CoreGraphicsDevice*, void*, void*,
                      DFBScreenDescription* description)
@@ -83,7 +74,7 @@ DFBResult Initialize(CoreDFB* core, void** data)
     const int width = dfb_config->mode.width > 0 ? dfb_config->mode.width : default_width;
     const int height = dfb_config->mode.height > 0 ? dfb_config->mode.height : default_height;
 
-    auto system = std::make_unique<System>();
+    auto system = std::make_unique<ScreenSystem>();
     std::string error;
     system->memory = ScreenMemory::Create(path, static_cast<std::uint32_t>(width),
                                           static_cast<std::uint32_t>(height), error);
@@ -98,8 +89,8 @@ DFBResult Initialize(CoreDFB* core, void** data)
         dfb_layers_register(screen, system->layers[id].get(), &ScreenLayer::functions);
     }
 
-    const DFBResult result = dfb_surface_pool_initialize2(core, &screen_pool_functions,
-                                                          system->memory.get(), &system->pool);
+    const DFBResult result =
+        dfb_surface_pool_initialize2(core, &screen_pool_functions, system.get(), &system->pool);
     if (result != DFB_OK)
         return result;
 
