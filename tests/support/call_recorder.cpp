@@ -118,12 +118,12 @@ std::string Described(DFBDisplayLayerCooperativeLevel level)
     return level == DLSCL_EXCLUSIVE ? "EXCLUSIVE" : std::to_string(level);
 }
 
-std::string Described(const DFBRegion* region)
+std::string Described(const DFBRegion_C* region)
 {
     return region ? Four(region->x1, region->y1, region->x2, region->y2) : "null";
 }
 
-std::string Described(const DFBRectangle* rectangle)
+std::string Described(const DFBRectangle_C* rectangle)
 {
     return rectangle ? Four(rectangle->x, rectangle->y, rectangle->w, rectangle->h) : "null";
 }

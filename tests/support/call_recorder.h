@@ -9,13 +9,16 @@
  *
  * The object's function pointer is replaced by one that writes a line and then makes the real call,
  * so everything still happens. The pointers are put back when the recorder ends, which is before
- * the object is released. Arguments through which a call answers are written as "out".
+ * the object is released. Arguments through which a call answers are written as "out". Calls of
+ * other threads are made and not recorded: DirectFB renews a surface's clip from a thread of its
+ * own when the surface has changed.
  */
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -34,8 +37,9 @@ std::string Described(DFBSurfaceTextFlags flags);
 std::string Described(DFBSurfaceLockFlags flags);
 std::string Described(DFBSurfaceFlipFlags flags);
 std::string Described(DFBDisplayLayerCooperativeLevel level);
-std::string Described(const DFBRegion* region);
-std::string Described(const DFBRectangle* rectangle);
+// In C++ DirectFB makes classes of these two; its functions take the structures beneath.
+std::string Described(const DFBRegion_C* region);
+std::string Described(const DFBRectangle_C* rectangle);
 std::string Described(const DFBColor* color);
 /** Width, height and format, with the flags that say what of them is given. */
 std::string Described(const DFBSurfaceDescription* description);
@@ -65,7 +69,7 @@ inline std::string Described(DFBDisplayLayerConfig*)
 {
     return "out";
 }
-inline std::string Described(DFBRectangle*)
+inline std::string Described(DFBRectangle_C*)
 {
     return "out";
 }
@@ -111,9 +115,11 @@ private:
         static DFBResult Call(Interface* object, Arguments... arguments)
         {
             CallRecorder& recorder = *Recorders().at(object);
-            std::string line;
-            ((line += (line.empty() ? "" : ", ") + Described(arguments)), ...);
-            recorder._log.push_back(recorder._prefix + name + "(" + line + ")");
+            if (std::this_thread::get_id() == recorder._thread) {
+                std::string line;
+                ((line += (line.empty() ? "" : ", ") + Described(arguments)), ...);
+                recorder._log.push_back(recorder._prefix + name + "(" + line + ")");
+            }
             return (recorder._real.*Operation)(object, arguments...);
         }
     };
@@ -128,6 +134,7 @@ private:
     const Interface _real;
     CallLog& _log;
     const std::string _prefix;
+    const std::thread::id _thread = std::this_thread::get_id();
     std::vector<void (*)(Interface*, const Interface&)> _restore;
 };
 
