@@ -1,0 +1,60 @@
+/**
+ * Random numbers for tests that can be run again.
+ *
+ *     SeededRandom random(7);              // KESTRIN_TEST_SEED replaces the 7
+ *     const int x = random.Between(-5, 5); // both ends included
+ *
+ * As long as the object lives, every failure is reported with the seed.
+ */
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace kestrin_test {
+
+class SeededRandom
+{
+public:
+    explicit SeededRandom(std::uint32_t seed)
+        : _seed(FromEnvironment("KESTRIN_TEST_SEED", seed)), _engine(_seed),
+          _trace(__FILE__, __LINE__, "run again with KESTRIN_TEST_SEED=" + std::to_string(_seed))
+    {
+    }
+
+    std::uint32_t Seed() const { return _seed; }
+
+    /** A number from `low` to `high`, both included. */
+    int Between(int low, int high)
+    {
+        // Not a standard distribution: those differ between libraries.
+        const auto range = static_cast<std::uint32_t>(high - low) + 1U;
+        return low + static_cast<int>(_engine() % range);
+    }
+
+    bool Chance(int percent) { return Between(1, 100) <= percent; }
+
+    /** How many rounds to run: `count`, or as many as KESTRIN_TEST_ROUNDS says. */
+    static int Rounds(int count)
+    {
+        return static_cast<int>(
+            FromEnvironment("KESTRIN_TEST_ROUNDS", static_cast<std::uint32_t>(count)));
+    }
+
+private:
+    static std::uint32_t FromEnvironment(const char* name, std::uint32_t otherwise)
+    {
+        const char* text = std::getenv(name);
+        return text ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
+    }
+
+    std::uint32_t _seed;
+    std::mt19937 _engine;
+    testing::ScopedTrace _trace;
+};
+
+} // namespace kestrin_test
