@@ -206,7 +206,6 @@ TEST(FindNearestColourIndex, PaletteColoursFindThemselves)
 TEST(FindNearestColourIndex, AnyColourAlsoAskedTwiceFindsTheNearest)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     UInt32 colour = 0;
     for (int i = 0; i < 300000; ++i) {
         // Every third question is the one before, which the cache answers.
@@ -219,7 +218,6 @@ TEST(FindNearestColourIndex, AnyColourAlsoAskedTwiceFindsTheNearest)
 TEST(BlendPixels, AllPairsInRandomOrderMatchTheModel)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     std::vector<int> pairs(256 * 256);
     std::iota(pairs.begin(), pairs.end(), 0);
     std::shuffle(pairs.begin(), pairs.end(), random.Engine());
@@ -232,7 +230,6 @@ TEST(BlendPixels, AllPairsInRandomOrderMatchTheModel)
 TEST(BlendPixels, RecentPairsComeBackFromTheCacheUnchanged)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     // Few enough pairs that the two cached ones are asked for again and again, in every order.
     for (int round = 0; round < 1000; ++round) {
         std::array<int, 3> backs;
@@ -571,7 +568,6 @@ TEST_F(MhegDrawing, BitmapFromASurfaceIsCutAtBoth)
     LutSurface source(source_width, source_height, 50);
     const std::vector<int> indices = source.Pixels();
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     for (int i = 0; i < 200; ++i) {
         const int left = static_cast<int>(random.Between(-45, 45));
         const int top = static_cast<int>(random.Between(-35, 35));
