@@ -310,7 +310,6 @@ TEST_F(MhegDrawing, BitmapFromASurfaceIsCutAtBoth)
     LutSurface source(source_width, source_height, 50);
     const std::vector<int> indices = source.Pixels();
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     for (int i = 0; i < 200; ++i) {
         const int left = static_cast<int>(random.Between(-45, 45));
         const int top = static_cast<int>(random.Between(-35, 35));

@@ -104,7 +104,6 @@ TEST(FindNearestColourIndex, PaletteColoursFindThemselves)
 TEST(FindNearestColourIndex, AnyColourAlsoAskedTwiceFindsTheNearest)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     UInt32 colour = 0;
     for (int i = 0; i < 300000; ++i) {
         // Every third question is the one before, which the cache answers.
@@ -117,7 +116,6 @@ TEST(FindNearestColourIndex, AnyColourAlsoAskedTwiceFindsTheNearest)
 TEST(BlendPixels, AllPairsInRandomOrderMatchTheModel)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     std::vector<int> pairs(256 * 256);
     std::iota(pairs.begin(), pairs.end(), 0);
     std::shuffle(pairs.begin(), pairs.end(), random.Engine());
@@ -130,7 +128,6 @@ TEST(BlendPixels, AllPairsInRandomOrderMatchTheModel)
 TEST(BlendPixels, RecentPairsComeBackFromTheCacheUnchanged)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     // Few enough pairs that the two cached ones are asked for again and again, in every order.
     for (int round = 0; round < 1000; ++round) {
         std::array<int, 3> backs;

@@ -76,7 +76,6 @@ TEST_F(FontTest, DamagedBytesAreSafe)
 {
     const std::string bytes = BytesOf(kScreen);
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     for (int i = 0; i < 40; ++i) {
         std::string damaged = bytes.substr(0, random.Between(bytes.size() / 2, bytes.size()));
         for (int hit = 0; hit < 20; ++hit)

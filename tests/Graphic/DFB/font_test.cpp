@@ -121,7 +121,6 @@ TEST_F(FontTest, UnitConversionsMatchWideArithmeticEverywhere)
     const PFont font = OpenFile(kSans);
     constexpr Int32 units = 2048;
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     const auto any = [&] {
         const std::int64_t ends[] = {INT_MIN, INT_MIN + 1, -1, 0, 1, 100, INT_MAX};
         switch (random.Between(0, 2)) {
@@ -180,7 +179,6 @@ TEST_F(FontTest, LeftOffsetTakesEveryScaler)
     const PFont font = OpenFile(kSans);
     const Oracle oracle(kSans);
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     for (int i = 0; i < 20000; ++i) {
         const auto size = static_cast<UInt16>(random.Between(0, 65535));
         const auto m = static_cast<UInt32>(random.Between(0, UINT32_MAX));
