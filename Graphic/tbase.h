@@ -6,11 +6,11 @@
 
 namespace zelxxx {
 
-/** The engine's own side of an interface object; null when another kind of object is behind it. */
-template <class Implementation, class Interface>
-Implementation* ToImplementation(Interface* object)
+/** Another side of an object: its implementation or an interface; null when it has no such side. */
+template <class Side, class Object>
+Side* SideOf(Object* object)
 {
-    return dynamic_cast<Implementation*>(object);
+    return dynamic_cast<Side*>(object);
 }
 
 } // namespace zelxxx

@@ -38,8 +38,17 @@ constexpr BlendValue CombineBlends(BlendValue a, BlendValue b)
 }
 
 /** The channels of a 0x00BBGGRR colour: red in the lowest byte. */
-constexpr UInt8 LowRed(ColorValue color) { return static_cast<UInt8>(color); }
-constexpr UInt8 LowGreen(ColorValue color) { return static_cast<UInt8>(color >> 8); }
-constexpr UInt8 LowBlue(ColorValue color) { return static_cast<UInt8>(color >> 16); }
+constexpr UInt8 LowRed(ColorValue color)
+{
+    return static_cast<UInt8>(color);
+}
+constexpr UInt8 LowGreen(ColorValue color)
+{
+    return static_cast<UInt8>(color >> 8);
+}
+constexpr UInt8 LowBlue(ColorValue color)
+{
+    return static_cast<UInt8>(color >> 16);
+}
 
 } // namespace zelxxx

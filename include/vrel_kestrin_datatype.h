@@ -50,8 +50,11 @@ typedef UInt8 BlendModeValue; /**< a BlendMode stored in one byte */
 typedef Int32 AttrValue;      /**< the value of an attribute, narrowed to its field when stored */
 typedef UInt16 ResIndex;      /**< number of a font in a resource, counted from 1 */
 
+// The enumerations have a fixed width, so that every bit combination and value is a legal one.
+
 /** Bits per pixel. A display is 8 bit (palette) or 32 bit (every other mode). */
-enum ColorMode {
+enum ColorMode : Int32
+{
     Color1Bit = 1,
     Color4Bit = 4,
     Color8Bit = 8,
@@ -61,17 +64,24 @@ enum ColorMode {
 };
 
 /** How drawn pixels meet what is there. */
-enum BlendMode {
+enum BlendMode : Int32
+{
     BlendSrcOver = 0,    /**< source over destination, by opacity */
     BlendSrcCopy = 1,    /**< colour and opacity replace the destination */
     BlendSrcOver8BIT = 2 /**< source over on the fixed 188-entry palette, by table */
 };
 
 /** Colour keying of a rectangle's fill. */
-enum BlitFlag { NoBlit = 0, Blit_SRC_COLORKEY = 8, Blit_DST_COLORKEY = 16 };
+enum BlitFlag : Int32
+{
+    NoBlit = 0,
+    Blit_SRC_COLORKEY = 8,
+    Blit_DST_COLORKEY = 16
+};
 
 /** Names of the attributes of widgets, layers and modifiers. */
-enum AttrIndex {
+enum AttrIndex : Int32
+{
     AttrNone = 0,
     AttrPosX = 1,
     AttrPosY = 2,
@@ -126,7 +136,8 @@ enum AttrIndex {
 };
 
 /** How a scene paints and presents; bits. */
-enum SceneOption {
+enum SceneOption : Int32
+{
     SceneUseDoubleBuffer = 0, /**< paint into a back buffer, copy what changed */
     SceneUseFlipping = 1,     /**< paint whole frames into the view and flip, at most every 20 ms */
     SceneUseDirtyRectangles = 2, /**< accepted; the update cycle always works by rectangles */
@@ -135,7 +146,8 @@ enum SceneOption {
 };
 
 /** Style bits handed to font requests. */
-enum FontStyle {
+enum FontStyle : Int32
+{
     FontRegular = 0,
     FontBold = 1,
     FontItalic = 2,
@@ -145,7 +157,8 @@ enum FontStyle {
 };
 
 /** Encodings of client text; zelConvertToUnicode lists the character set behind each. */
-enum TextEncoding {
+enum TextEncoding : Int32
+{
     EncodingASCII = 0,
     EncodingUnicode = 1,
     EncodingBig5 = 2,
@@ -175,7 +188,8 @@ enum TextEncoding {
 };
 
 /** Layout wishes a text widget carries for its formatter; bits. Centred where no bit says else. */
-enum TextFormat {
+enum TextFormat : Int32
+{
     TextAlignCenter = 0,
     TextAlignLeft = 1,
     TextAlignRight = 2,
@@ -187,10 +201,17 @@ enum TextFormat {
 };
 
 /** Where an image's pixels come from. */
-enum ImageType { TypePNG = 0, TypeJPG = 1, TypeImg = 2, TypeSurface = 3 };
+enum ImageType : Int32
+{
+    TypePNG = 0,
+    TypeJPG = 1,
+    TypeImg = 2,
+    TypeSurface = 3
+};
 
 /** Placement of an image in its sprite; bits. Centred where no bit says else. */
-enum ImageFormat {
+enum ImageFormat : Int32
+{
     ImageAlignCenter = 0,
     ImageAlignLeft = 1,
     ImageAlignRight = 2,
@@ -200,13 +221,29 @@ enum ImageFormat {
 };
 
 /** Where an image keeps its pixels: a DirectFB surface or plain memory. */
-enum ImageBufferMode { UseFrameBuffer = 0, UseSystemMemory = 1 };
+enum ImageBufferMode : Int32
+{
+    UseFrameBuffer = 0,
+    UseSystemMemory = 1
+};
 
 /** Edges of its layer that a widget follows when the layer's span changes; bits. */
-enum WidgetAnchor { AnchorLeft = 1, AnchorRight = 2, AnchorTop = 4, AnchorBottom = 8 };
+enum WidgetAnchor : Int32
+{
+    AnchorLeft = 1,
+    AnchorRight = 2,
+    AnchorTop = 4,
+    AnchorBottom = 8
+};
 
 /** Where ILayer::InsertWidget puts a widget. The spelling is part of the interface. */
-enum WidgetInstertPosition { InsertFirst = 1, InsertLast = 2, InsertBefore = 4, InsertBehind = 8 };
+enum WidgetInstertPosition : Int32
+{
+    InsertFirst = 1,
+    InsertLast = 2,
+    InsertBefore = 4,
+    InsertBehind = 8
+};
 
 /**
  * A half-open rectangle of the scene graph: it covers x1 <= x < x2 and y1 <= y < y2, up to but not

@@ -87,17 +87,18 @@ public:
     /** Adds and holds a widget at the end, out of any other layer. Not null. */
     virtual void AddWidget(IWidget* widget) = 0;
     /**
-     * Adds or moves a widget relative to `widget_dest`, a child of this layer (first and last ignore
-     * it). Both are marked changed. A destination that is not a child appends.
+     * Adds or moves a widget relative to `widget_dest`, a child of this layer (first and last
+     * ignore it). Both are marked changed. A destination that is not a child appends.
      */
     virtual void InsertWidget(IWidget* widget, IWidget* widget_dest,
                               WidgetInstertPosition instert_position) = 0;
     /**
-     * Removes a widget: at the next update when the layer is in a scene, else at once. Null asks the
-     * scene to look for dying widgets at its next update.
+     * Removes a widget: at the next update when the layer is in a scene, else at once. Null asks
+     * the scene to look for dying widgets at its next update.
      */
     virtual void RemoveWidget(IWidget* widget) = 0;
-    /** Whether changes of this layer's span move anchored children; applies to nested layers too. */
+    /** Whether changes of this layer's span move anchored children; applies to nested layers too.
+     */
     virtual void EnableAnchors(bool enabled) = 0;
     /** Turns a point of this layer into scene coordinates, in place. Scales are not applied. */
     virtual void LayerToScene(MetricValue* x, MetricValue* y) = 0;
@@ -332,9 +333,9 @@ public:
                                 UInt16 font_size, MetricValue left, MetricValue top,
                                 BlendValue blend) = 0;
     /** Draws a glyph's coverage in a colour; at most 10000 pixels, else nothing. */
-    virtual void Draw32BitCharBitmap(const CharMetrics* char_metrics, IFont* font,
-                                     UInt16 font_size, MetricValue left, MetricValue top,
-                                     ColorValue color, BlendValue blend) = 0;
+    virtual void Draw32BitCharBitmap(const CharMetrics* char_metrics, IFont* font, UInt16 font_size,
+                                     MetricValue left, MetricValue top, ColorValue color,
+                                     BlendValue blend) = 0;
     /** The canvas's colour mode; Color32Bit without a canvas. */
     virtual ColorMode GetColorMode() = 0;
     /** The mode of operations that follow the painter's mode; BlendSrcOver at first. */
@@ -502,8 +503,8 @@ KESTRIN_EXPORT IText* zelCreateText(IResource* resource);
  */
 KESTRIN_EXPORT IWidget* zelCreateRectangle(IResource* resource);
 /**
- * Opens a resource index file: a line with the number of entries, then one line "fnt:FILE" for each,
- * FILE relative to the index file. Null when it cannot be read or has no entries.
+ * Opens a resource index file: a line with the number of entries, then one line "fnt:FILE" for
+ * each, FILE relative to the index file. Null when it cannot be read or has no entries.
  */
 KESTRIN_EXPORT IResource* zelOpenResource(const char* file_name);
 /**
@@ -524,14 +525,15 @@ KESTRIN_EXPORT void zelUpdateScreen(bool force, bool wait);
  */
 KESTRIN_EXPORT void zelSetBackBufferSize(int row_count, int col_count);
 
-// ---- Text encodings -------------------------------------------------------------------------------
+// ---- Text encodings
+// -------------------------------------------------------------------------------
 
 /**
  * Converts bytes to UTF-16 code units in host order, without a byte-order mark.
  *
  * The character sets are ASCII, Big5, GB2312, EUC-KR, EUC-JP, ISO 8859-1 to -9 and -15, ISO 6937
- * and UTF-8. EncodingUnicode and EncodingJIS take 16-bit units in host order. ISO 8859-10 to -14 and
- * -16, ARIB and unknown values are read as UTF-8.
+ * and UTF-8. EncodingUnicode and EncodingJIS take 16-bit units in host order. ISO 8859-10 to -14
+ * and -16, ARIB and unknown values are read as UTF-8.
  *
  * @param text            `length` bytes
  * @param unicode         receives the units; must hold 2 x `unicode_length` units, all of which are
@@ -542,7 +544,8 @@ KESTRIN_EXPORT void zelSetBackBufferSize(int row_count, int col_count);
 KESTRIN_EXPORT Int32 zelConvertToUnicode(PtrConstAny text, UInt32 length, TextEncoding encoding,
                                          PtrWChar unicode, Int32 unicode_length);
 
-// ---- Colours of the fixed 188-entry palette ---------------------------------------------------------
+// ---- Colours of the fixed 188-entry palette
+// ---------------------------------------------------------
 
 /** Grey level 0 to 3 nearest below. */
 KESTRIN_EXPORT UInt8 GetNearestGrey(UInt8 v);
@@ -583,7 +586,8 @@ KESTRIN_EXPORT void MHEG_draw_bitmap(IDirectFBSurface* dest_surf, Int32 X, Int32
                                      Int32 height, IDirectFBSurface* src_surf, Int32 SrcX,
                                      Int32 SrcY);
 
-// ---- Errors, for clients --------------------------------------------------------------------------
+// ---- Errors, for clients
+// --------------------------------------------------------------------------
 
 /**
  * Text sink of error reports. It discards what it gets: a hook for debugging builds of the library.
@@ -632,7 +636,12 @@ private:
 class KESTRIN_EXPORT EGraphicFailure : public Error
 {
 public:
-    enum ErrorType { General = 0, Allocation = 1, CreateFont = 2 };
+    enum ErrorType
+    {
+        General = 0,
+        Allocation = 1,
+        CreateFont = 2
+    };
 
     EGraphicFailure(int error_code, ErrorType error_type)
         : _error_code(error_code), _error_type(error_type)

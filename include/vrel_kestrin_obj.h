@@ -3,9 +3,9 @@
  * lists that layers and widgets are made of.
  *
  * A factory hands an object out with a count of 0. The first holder, normally a ZELObjPtr or the
- * layer a widget is added to, raises it; the Release that brings the count to exactly 0 destroys the
- * object. Counts, lists and attributes have no lock: the engine is single-threaded, and all calls
- * come from one thread.
+ * layer a widget is added to, raises it; the Release that brings the count to exactly 0 destroys
+ * the object. Counts, lists and attributes have no lock: the engine is single-threaded, and all
+ * calls come from one thread.
  */
 #pragma once
 

@@ -73,11 +73,15 @@ public:
     static unsigned long _phyaddr;
 
 private:
+    static void TakeLayer();
+    static void ConfigureLayer(UInt32 width, UInt32 height, UInt8 mode);
+    static void CreateSubtitleSurface();
+
     ColorMode _color_mode;
     MetricValue _width;
     MetricValue _height;
-    BlendMode _blend_mode;
-    int _plane;
+    [[maybe_unused]] BlendMode _blend_mode;
+    [[maybe_unused]] int _plane;
     bool _available;
 };
 

@@ -1,0 +1,405 @@
+#include "tscene.h"
+
+#include "DFB/painter.h"
+
+#include <algorithm>
+
+namespace zelxxx {
+
+namespace {
+
+constexpr UInt32 kFrameTicks = 20; // shortest time between two flips, in milliseconds
+
+/** Whether a widget paints before another: by depth, then by place in the tree. */
+bool PaintsBefore(const WidgetBase* a, const WidgetBase* b)
+{
+    return a->ZOrder < b->ZOrder || (a->ZOrder == b->ZOrder && a->TOrder < b->TOrder);
+}
+
+} // namespace
+
+Scene* Scene::_all_scenes = nullptr;
+Int32 Scene::_back_buffer_col_count = 1;
+Int32 Scene::_back_buffer_row_count = 1;
+UInt32 Scene::_tick_start = 0;
+UInt32 Scene::_tick_stop = 0;
+
+IScene* zelCreateScene(UInt8 window_index, MetricValue width, MetricValue height,
+                       ColorMode color_mode, SceneOption options, BlendMode blend_mode)
+{
+    return new Scene(window_index, width, height, color_mode, options, blend_mode);
+}
+
+void zelUpdateScreen(bool force, bool wait)
+{
+    Scene::UpdateAllScenes(force, wait);
+}
+
+void zelSetBackBufferSize(int row_count, int col_count)
+{
+    Scene::SetBackBufferSize(row_count, col_count);
+}
+
+Scene::Scene(UInt8 window_index, MetricValue width, MetricValue height, ColorMode color_mode,
+             SceneOption options, BlendMode blend_mode)
+    : CurrentTOrder(0), CurrentPainter(nullptr), _root(zelCreateLayer(nullptr)), _width(width),
+      _height(height), _options(options), _back_color(0), _back_blend(0), _blend_mode(blend_mode),
+      _back_rect(), _widget_dying(false), _dirty(true), _enabled(true), _update_phase(UpdateClear),
+      _widget_list_head(nullptr), _widget_list_tail(nullptr), _current_widget(nullptr),
+      _prev_scene(nullptr), _next_scene(nullptr)
+{
+    MakeSurfaces(window_index, color_mode);
+    _dirty_manager.reset(new DirtyManager(static_cast<UInt16>(width), static_cast<UInt16>(height)));
+
+    _next_scene = _all_scenes;
+    if (_all_scenes)
+        _all_scenes->_prev_scene = this;
+    _all_scenes = this;
+
+    PrepareRoot();
+}
+
+Scene::~Scene()
+{
+    (_prev_scene ? _prev_scene->_next_scene : _all_scenes) = _next_scene;
+    if (_next_scene)
+        _next_scene->_prev_scene = _prev_scene;
+
+    // The widgets leave while the dirty manager still takes their reports, and nobody who holds the
+    // root or a widget is left with a pointer to this scene.
+    Layer* root = Root();
+    DetachStrays(root);
+    for (WidgetBase* child = root->Widgets.GetFirstElement(); child;
+         child = child->GetNextElement())
+        child->SetScene(nullptr);
+    root->ParentScene = nullptr;
+    _root = nullptr;
+}
+
+/** Makes the view, and the canvas: the view itself or a back buffer of one tile. */
+void Scene::MakeSurfaces(UInt8 window_index, ColorMode color_mode)
+{
+    const bool flipping = (_options & SceneUseFlipping) != 0;
+    if (!flipping) {
+        if (_back_buffer_col_count <= 0 || _width % _back_buffer_col_count != 0)
+            _back_buffer_col_count = 1;
+        if (_back_buffer_row_count <= 0 || _height % _back_buffer_row_count != 0)
+            _back_buffer_row_count = 1;
+    }
+    _view = zelCreateView(window_index, _width, _height, color_mode, flipping);
+    _view->SetBlendMode(_blend_mode);
+    if (flipping) {
+        _canvas = static_cast<IView*>(_view);
+    } else if (_options & SceneUseSingleBuffer) {
+        _back_buffer_col_count = 1;
+        _back_buffer_row_count = 1;
+        _canvas = static_cast<IView*>(_view);
+    } else {
+        _canvas =
+            zelCreateCanvas(static_cast<MetricValue>(_width / _back_buffer_col_count),
+                            static_cast<MetricValue>(_height / _back_buffer_row_count), color_mode);
+        _canvas->SetBlendMode(_blend_mode);
+    }
+}
+
+/** The root layer covers the scene and is not painted itself. */
+void Scene::PrepareRoot()
+{
+    Layer* root = Root();
+    root->ParentScene = this;
+    root->SpanX = _width;
+    root->SpanY = _height;
+    root->ClipRight = _width;
+    root->ClipBottom = _height;
+    root->ZOrder = 0;
+    root->TOrder = 0;
+}
+
+void Scene::Clear(MetricValue x, MetricValue y, MetricValue w, MetricValue h, ColorValue color,
+                  BlendValue blend)
+{
+    _view->Clear(x, y, w, h, color, blend);
+}
+
+void Scene::Copy(MetricValue x, MetricValue y, ICanvas* canvas, MetricValue src_x,
+                 MetricValue src_y, MetricValue src_w, MetricValue src_h)
+{
+    _view->Copy(x, y, canvas, src_x, src_y, src_w, src_h);
+}
+
+void Scene::Show(MetricValue left, MetricValue top, MetricValue width, MetricValue height)
+{
+    _view->Show(left, top, width, height);
+}
+
+void Scene::SetPalette(IPalette* palette, UInt16 brightness, UInt16 blend_opaque,
+                       UInt16 blend_transparent)
+{
+    _view->SetPalette(palette, brightness, blend_opaque, blend_transparent);
+}
+
+void Scene::SetPaletteEntry(UInt8 color_index, UInt8 red, UInt8 green, UInt8 blue,
+                            BlendValue blending)
+{
+    _view->SetPaletteEntry(color_index, red, green, blue, blending);
+}
+
+void Scene::SetBackgroundColor(ColorValue color, BlendValue blending)
+{
+    _back_color = color;
+    _back_blend = blending;
+}
+
+void Scene::UpdateAllScenes(bool force, bool wait)
+{
+    for (Scene* scene = _all_scenes; scene; scene = scene->_next_scene)
+        scene->Update(force, wait);
+}
+
+void Scene::SetBackBufferSize(int row_count, int col_count)
+{
+    _back_buffer_row_count = row_count;
+    _back_buffer_col_count = col_count;
+}
+
+void Scene::AddWidget(WidgetBase* widget)
+{
+    widget->ZOrder = 32767;
+    widget->TOrder = 32767;
+    widget->DirtyState |=
+        WidgetBase::StateMoved | WidgetBase::StateReordered | WidgetBase::StateFaded;
+    // Shown with no opacity so far, so that its first Dirty takes it for appearing.
+    widget->DirtyBlend = 0;
+    LinkWidgetAfter(widget, _widget_list_tail);
+}
+
+void Scene::RemoveWidget(WidgetBase* widget)
+{
+    _dirty_manager->Add(widget->DirtyShown);
+    UnlinkWidget(widget);
+    if (widget->IsLayer)
+        DetachStrays(widget);
+}
+
+void Scene::SortWidget(WidgetBase* widget)
+{
+    WidgetBase* before = widget->Prev;
+    while (before && !PaintsBefore(before, widget))
+        before = before->Prev;
+    if (before != widget->Prev) {
+        UnlinkWidget(widget);
+        LinkWidgetAfter(widget, before);
+        return;
+    }
+    WidgetBase* last = widget;
+    while (last->Next && !PaintsBefore(widget, last->Next))
+        last = last->Next;
+    if (last != widget) {
+        UnlinkWidget(widget);
+        LinkWidgetAfter(widget, last);
+    }
+}
+
+void Scene::Update(bool force, bool wait)
+{
+    if (!_enabled)
+        return;
+    const bool flipping = (_options & SceneUseFlipping) != 0;
+    if (flipping && !IsFrameDue(wait))
+        return;
+    if (force) {
+        _dirty_manager->Fill();
+    } else {
+        if (!_dirty && !_widget_dying)
+            return;
+        if (flipping)
+            _dirty_manager->Fill();
+    }
+
+    CurrentTOrder = 0;
+    Layer* root = Root();
+    if (_widget_dying && root->Kill())
+        _widget_dying = false;
+    root->Modify();
+    root->UpdateLayers();
+    root->Sort();
+    CollectDirtyRects();
+    Paint();
+    _dirty_manager->Clear();
+}
+
+/**
+ * Paces a flipping scene to a frame per 20 ms: waits, busily, or says no. By difference, so that a
+ * tick count that started anew in between counts as long ago.
+ */
+bool Scene::IsFrameDue(bool wait) const
+{
+    do {
+        _tick_stop = zelGetTickCount();
+        if (_tick_stop - _tick_start >= kFrameTicks)
+            return true;
+    } while (wait);
+    return false;
+}
+
+void Scene::CollectDirtyRects()
+{
+    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+        // What modifiers did to the copy counts as done to the widget.
+        if (widget->Modified)
+            widget->DirtyState |= widget->Modified->DirtyState;
+        widget->Dirty(_dirty_manager.get());
+        widget->DirtyState = WidgetBase::StateUnchanged;
+    }
+}
+
+void Scene::Paint()
+{
+    CurrentPainter = zelCreatePainter(_canvas);
+    CurrentPainter->Hold();
+    CurrentPainter->SetBlendMode(_blend_mode);
+    if (_options & SceneUseSingleBuffer)
+        PaintSingleBuffer();
+    else
+        PaintTiles();
+    CurrentPainter->Release();
+    CurrentPainter = nullptr;
+}
+
+/** Clears and repaints the view, each dirty piece of each widget on its own. */
+void Scene::PaintSingleBuffer()
+{
+    const DirtyRect whole = {0, 0, _width, _height};
+    HandlePhase(UpdateClear, whole);
+    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+        if (!widget->IsVisible)
+            continue;
+        _current_widget = widget;
+        if (widget->ParentLayer)
+            HandlePhase(UpdatePaint, widget->DirtyShown);
+    }
+    _current_widget = nullptr;
+    _dirty = false;
+    // The time of this flip is not taken: only tiled frames are paced.
+    if (_options & SceneUseFlipping)
+        _view->Flip();
+}
+
+/** Paints the scene through its canvas, tile by tile. */
+void Scene::PaintTiles()
+{
+    // Tiles are as large as the canvas made for this scene, whatever counts were set since.
+    const MetricValue tile_width = _canvas->GetWidth();
+    const MetricValue tile_height = _canvas->GetHeight();
+    _back_rect = {0, 0, tile_width, tile_height};
+    HandlePhase(UpdateClear, _back_rect);
+    for (int y = 0; y < _height; y += tile_height) {
+        for (int x = 0; x < _width; x += tile_width) {
+            _back_rect = {Wrap(x), Wrap(y), Wrap(x + tile_width), Wrap(y + tile_height)};
+            PaintTile();
+        }
+    }
+}
+
+void Scene::PaintTile()
+{
+    const MetricValue tile_width = Wrap(_back_rect.x2 - _back_rect.x1);
+    const MetricValue tile_height = Wrap(_back_rect.y2 - _back_rect.y1);
+    // The clear fills under the clip rectangle, which is still that of the last widget painted.
+    CurrentPainter->SetClipping(0, 0, tile_width, tile_height);
+    HandlePhase(UpdateClear, _back_rect);
+    CurrentPainter->SetOrigin(_back_rect.x1, _back_rect.y1);
+
+    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+        if (!widget->ParentLayer || !widget->ParentLayer->IsVisible || !widget->IsVisible)
+            continue;
+        if (!_dirty_manager->Check(widget->DirtyShown, _back_rect))
+            continue;
+        static_cast<Painter*>(CurrentPainter)->SetSceneClipping(widget->DirtyShown);
+        widget->Paint();
+    }
+
+    _dirty = false;
+    if (_options & SceneUseFlipping) {
+        _view->Flip();
+        _tick_start = zelGetTickCount();
+    } else {
+        HandlePhase(UpdateCopy, _back_rect);
+    }
+}
+
+void Scene::HandlePhase(UpdatePhase phase, const DirtyRect& bound)
+{
+    _update_phase = phase;
+    _dirty_manager->Handle(bound, this);
+}
+
+void Scene::HandleRect(const DirtyRect& dirty_rect)
+{
+    const bool single_buffer = (_options & SceneUseSingleBuffer) != 0;
+    switch (_update_phase) {
+    case UpdateClear: {
+        const DirtyRect rect = single_buffer ? dirty_rect : InTile(dirty_rect);
+        _canvas->Clear(rect.x1, rect.y1, Wrap(rect.x2 - rect.x1), Wrap(rect.y2 - rect.y1),
+                       _back_color, _back_blend);
+        break;
+    }
+    case UpdateCopy: {
+        const DirtyRect rect = InTile(dirty_rect);
+        _view->Copy(Wrap(rect.x1 + _back_rect.x1), Wrap(rect.y1 + _back_rect.y1), _canvas, rect.x1,
+                    rect.y1, Wrap(rect.x2 - rect.x1), Wrap(rect.y2 - rect.y1));
+        break;
+    }
+    case UpdatePaint:
+        if (!single_buffer)
+            break;
+        CurrentPainter->SetClipping(dirty_rect.x1, dirty_rect.y1, dirty_rect.x2, dirty_rect.y2);
+        _current_widget->Paint();
+        break;
+    }
+}
+
+/** A scene rectangle's part inside the current tile, in the tile's own coordinates. */
+DirtyRect Scene::InTile(const DirtyRect& rect) const
+{
+    return {Wrap(std::max(rect.x1, _back_rect.x1) - _back_rect.x1),
+            Wrap(std::max(rect.y1, _back_rect.y1) - _back_rect.y1),
+            Wrap(std::min(rect.x2, _back_rect.x2) - _back_rect.x1),
+            Wrap(std::min(rect.y2, _back_rect.y2) - _back_rect.y1)};
+}
+
+void Scene::LinkWidgetAfter(WidgetBase* widget, WidgetBase* previous)
+{
+    widget->Prev = previous;
+    widget->Next = previous ? previous->Next : _widget_list_head;
+    (previous ? previous->Next : _widget_list_head) = widget;
+    (widget->Next ? widget->Next->Prev : _widget_list_tail) = widget;
+}
+
+void Scene::UnlinkWidget(WidgetBase* widget)
+{
+    (widget->Prev ? widget->Prev->Next : _widget_list_head) = widget->Next;
+    (widget->Next ? widget->Next->Prev : _widget_list_tail) = widget->Prev;
+    widget->Prev = nullptr;
+    widget->Next = nullptr;
+}
+
+/**
+ * A widget that was inserted at no known position takes itself for a child of its layer without
+ * standing in its list. It leaves the scene with the layer.
+ */
+void Scene::DetachStrays(const WidgetBase* layer)
+{
+    WidgetBase* widget = _widget_list_head;
+    while (widget) {
+        if (widget->ParentLayer == layer && !widget->GetCollection()) {
+            widget->SetScene(nullptr);
+            widget->ParentLayer = nullptr;
+            widget = _widget_list_head; // a layer takes others along
+        } else {
+            widget = widget->Next;
+        }
+    }
+}
+
+} // namespace zelxxx

@@ -1,0 +1,26 @@
+# Test programs.
+#
+#     kestrin_add_test(dirty_test SOURCES dirty_test.cpp LIBRARIES kestrin)
+#
+# builds the GoogleTest program dirty_test, linked to the libraries and to GoogleMock's main, and
+# gives CTest one test for each of its test cases, named dirty_test.Suite.Case. Every case runs in a
+# process of its own and may take 60 seconds. The cases are asked for when CTest runs, not while the
+# program is built.
+include_guard()
+
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+function(kestrin_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 TEST "" "" "SOURCES;LIBRARIES")
+    if(NOT TEST_SOURCES OR TEST_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "kestrin_add_test(${name} SOURCES ... [LIBRARIES ...])")
+    endif()
+
+    add_executable(${name} ${TEST_SOURCES})
+    target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} GTest::gmock_main)
+    gtest_discover_tests(${name}
+        TEST_PREFIX ${name}.
+        DISCOVERY_MODE PRE_TEST
+        PROPERTIES TIMEOUT 60)
+endfunction()
