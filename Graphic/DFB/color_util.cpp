@@ -1,4 +1,4 @@
-#include "DFB/color_util.h"
+#include "color_util.h"
 
 #include "tdebug.h"
 

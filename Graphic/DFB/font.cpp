@@ -1,6 +1,6 @@
-#include "DFB/font.h"
+#include "font.h"
 
-#include "DFB/view.h"
+#include "view.h"
 #include "tdebug.h"
 
 #include <algorithm>

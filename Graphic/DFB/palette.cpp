@@ -1,4 +1,4 @@
-#include "DFB/palette.h"
+#include "palette.h"
 
 #include <cstdio>
 

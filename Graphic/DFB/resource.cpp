@@ -1,6 +1,6 @@
-#include "DFB/resource.h"
+#include "resource.h"
 
-#include "DFB/font.h"
+#include "font.h"
 
 #include <sys/stat.h>
 
