@@ -1,7 +1,7 @@
 #include "font.h"
 
-#include "view.h"
 #include "tdebug.h"
+#include "view.h"
 
 #include <algorithm>
 #include <cstddef>
