@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -55,10 +56,11 @@ class TemporaryDirectory
 public:
     TemporaryDirectory()
     {
-        std::string pattern = (fs::temp_directory_path() / "kestrin-play-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
-            throw std::runtime_error(pattern + ": cannot be made; set TMPDIR to a directory that "
-                                               "can be written to");
+        std::error_code failed;
+        std::string pattern = (fs::temp_directory_path(failed) / "kestrin-play-XXXXXX").string();
+        if (failed || !mkdtemp(pattern.data()))
+            throw std::runtime_error("no temporary files; set TMPDIR to a directory that can be "
+                                     "written to");
         _path = pattern;
     }
     ~TemporaryDirectory()
@@ -94,11 +96,28 @@ std::string CheckEncoding(const std::string& name)
     return FindEncoding(name) ? "" : "unknown encoding " + name + "; one of " + EncodingNames();
 }
 
+/** Breaks a description into lines that leave room for the options' names. */
+std::string Wrapped(const std::string& text)
+{
+    constexpr std::size_t line_limit = 68;
+    std::string wrapped;
+    std::size_t line = 0;
+    std::istringstream words(text);
+    for (std::string word; words >> word; line += word.size() + 1) {
+        const bool fits = line + word.size() <= line_limit;
+        if (!fits)
+            line = 0;
+        wrapped += (wrapped.empty() ? "" : fits ? " " : "\n") + word;
+    }
+    return wrapped;
+}
+
 void Declare(CLI::App& app, Arguments& arguments)
 {
     app.add_option("file", arguments.file, "The SubRip file (.srt)")->required()->type_name("FILE");
-    app.add_option("--size", arguments.size,
-                   "Size of the screen in pixels; 1280x720 by default, 720x576 with --mode 8")
+    app.add_option(
+           "--size", arguments.size,
+           Wrapped("Size of the screen in pixels; 1280x720 by default, 720x576 with --mode 8"))
         ->type_name("WIDTHxHEIGHT")
         ->check(CheckSize);
     app.add_option("--mode", arguments.mode,
@@ -106,30 +125,36 @@ void Declare(CLI::App& app, Arguments& arguments)
         ->check(CLI::IsMember({8, 32}))
         ->capture_default_str()
         ->type_name("BITS");
-    app.add_option("--font", arguments.fonts,
-                   "A font file; may be repeated, the first that has all characters of a caption "
-                   "is used. By default Tiresias, DejaVu Sans and WenQuanYi Micro Hei")
+    app.add_option(
+           "--font", arguments.fonts,
+           Wrapped("A font file; may be repeated, the first that has all characters of a caption "
+                   "is used. By default Tiresias, DejaVu Sans and WenQuanYi Micro Hei"))
         ->type_name("FILE")
         ->allow_extra_args(false);
-    app.add_option("--encoding", arguments.encoding, "How the text is written: " + EncodingNames())
+    app.add_option("--encoding", arguments.encoding,
+                   Wrapped("How the text is written: " + EncodingNames()))
         ->check(CheckEncoding)
         ->capture_default_str()
         ->type_name("NAME");
-    app.add_option("--background", arguments.background,
-                   "A picture to show the screen over, scaled to its size; a landscape by default")
+    app.add_option(
+           "--background", arguments.background,
+           Wrapped("A picture to show the screen over, scaled to its size; a landscape by default"))
         ->type_name("PNG");
-    app.add_option("--out", arguments.out,
-                   "Directory for one picture of each cue, NAME-001.png and so on, and one of them "
-                   "all, NAME-sheet.png")
+    app.add_option(
+           "--out", arguments.out,
+           Wrapped("Directory for one picture of each cue, NAME-001.png and so on, and one of them "
+                   "all, NAME-sheet.png"))
         ->type_name("DIR");
-    app.add_option("--screen", arguments.screen,
-                   "The screen file to draw into, for kestrin-screen to look at; by default a "
-                   "temporary one, with --realtime that of kestrin-screen")
+    app.add_option(
+           "--screen", arguments.screen,
+           Wrapped("The screen file to draw into, for kestrin-screen to look at; by default a "
+                   "temporary one, with --realtime that of kestrin-screen"))
         ->type_name("FILE");
     app.add_flag("--realtime", arguments.realtime,
-                 "Play at the cues' own times; otherwise as fast as possible");
-    app.footer("Ends with 0 if anything was played, 1 if nothing could be, 2 for wrong arguments. "
-               "Cues that cannot be shown are named with the reason and a remedy, and skipped.");
+                 Wrapped("Play at the cues' own times; otherwise as fast as possible"));
+    app.footer(
+        Wrapped("Ends with 0 if anything was played, 1 if nothing could be, 2 for wrong arguments. "
+                "Cues that cannot be shown are named with the reason and a remedy, and skipped."));
 }
 
 ScreenFormat Format(const Arguments& arguments)
@@ -240,7 +265,8 @@ int Play(const Arguments& arguments)
                   << ": no cue to play; name a SubRip file (.srt) and its --encoding\n";
         return ExitNothingPlayed;
     }
-    const TemporaryDirectory temporary;
+    // Static, since a failure of DirectFB ends the process without coming back here.
+    static const TemporaryDirectory temporary;
     const ScreenFormat format = Format(arguments);
     const PlayResult result = PlayOnDisplay(arguments, format, temporary, programme, report);
     PrintSummary(arguments, format, result, report);

@@ -53,7 +53,7 @@ bool ReadText(const Cue& cue, const Encoding& encoding, Report& report, Caption*
         }
         StyledLine styled = markup.ReadLine(*text);
         if (!IsBlank(styled))
-            caption->lines.push_back({std::move(styled), {}});
+            caption->lines.push_back({line.line, std::move(styled), {}});
     }
     if (caption->lines.empty())
         report.Skip(
@@ -91,7 +91,7 @@ void ChooseFonts(Programme& programme, const FontSet& fonts, Report& report)
         for (CaptionLine& line : caption.lines) {
             line.font = common.missing.empty() ? common : fonts.Choose(line.styled.text);
             if (!line.font.missing.empty())
-                report.Warn({caption.line, "no font has " + line.font.missing + ", shown as blanks",
+                report.Warn({line.line, "no font has " + line.font.missing + ", shown as blanks",
                              "name a font that has them with --font"});
         }
     }

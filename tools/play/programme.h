@@ -16,6 +16,7 @@ namespace kestrin_play {
 
 struct CaptionLine
 {
+    int line; ///< in the file
     StyledLine styled;
     FontChoice font;
 };

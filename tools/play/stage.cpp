@@ -19,6 +19,9 @@ constexpr std::uint32_t box_argb = 0xB0000000 | caption_box_colour;
 constexpr std::uint32_t track_argb = 0xB0000000;
 constexpr std::uint32_t bar_argb = 0xFFFFB030;
 
+/** The engine draws no glyph of more than 10000 pixels. */
+constexpr int largest_font = 90;
+
 /** 0xAARRGGBB to the order the engine draws with. */
 int SwappedColour(std::uint32_t argb)
 {
@@ -47,7 +50,7 @@ int EdgePadding(int font_size)
 } // namespace
 
 Stage::Stage(const ScreenFormat& format)
-    : _format(format), _font_size(std::max(8, format.height / 18)),
+    : _format(format), _font_size(std::clamp(format.height / 18, 8, largest_font)),
       _captions(zelxxx::zelCreateLayer(nullptr)), _programme(zelxxx::zelCreateLayer(nullptr))
 {
     const bool indexed = format.mode == zelxxx::Color8Bit;
