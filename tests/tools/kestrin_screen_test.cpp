@@ -4,20 +4,19 @@
 #include "directfb_screen.h"
 #include "display_fixture.h"
 #include "png_file.h"
+#include "run_command.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using kestrin_display::ArgbImage;
+using kestrin_test::Outcome;
 using kestrin_test::Screen;
 using kestrin_test::TestDisplay;
 using kestrin_tools::ReadPng;
@@ -26,22 +25,9 @@ using testing::HasSubstr;
 
 namespace {
 
-struct Outcome
-{
-    int status = -1;
-    std::string output; // of both streams
-};
-
 Outcome RunTool(const std::string& arguments)
 {
-    Outcome outcome;
-    std::FILE* pipe = popen((KESTRIN_SCREEN_TOOL " " + arguments + " 2>&1").c_str(), "r");
-    char buffer[512];
-    while (std::size_t got = std::fread(buffer, 1, sizeof(buffer), pipe))
-        outcome.output.append(buffer, got);
-    const int status = pclose(pipe);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
+    return kestrin_test::RunCommand(KESTRIN_SCREEN_TOOL " " + arguments);
 }
 
 class KestrinScreen : public testing::Test
