@@ -1,9 +1,9 @@
 /** Rectangles of the painter, pixel by pixel, against a model of its own. */
 #include "DFB/painter.h"
 
+#include "engine_display.h"
 #include "picture_compare.h"
 #include "seeded_random.h"
-#include "started_engine.h"
 #include "surface_pixels.h"
 
 #include <algorithm>
@@ -14,11 +14,11 @@
 #include <gtest/gtest.h>
 
 using kestrin_display::ArgbImage;
+using kestrin_test::EngineDisplay;
 using kestrin_test::PixelsOf;
 using kestrin_test::SamePicture;
 using kestrin_test::SeededRandom;
 using kestrin_test::SetPixels;
-using kestrin_test::StartedEngine;
 using zelxxx::BlendSrcCopy;
 using zelxxx::BlendSrcOver;
 using zelxxx::BlendSrcOver8BIT;
@@ -93,7 +93,7 @@ protected:
                                 blend, mode, flag, key);
     }
 
-    StartedEngine _engine;
+    EngineDisplay _engine;
     PCanvas _canvas;
     PPainter _painter;
     ArgbImage _expected;
@@ -312,7 +312,6 @@ ColorValue RandomColor(SeededRandom& random)
 TEST_F(PainterTest, OpaqueAndCopiedRectanglesMatchTheModel)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     for (int i = 0; i < 300; ++i) {
         const RandomRectangle r(random, *_painter);
         const ColorValue color = RandomColor(random);
@@ -336,7 +335,6 @@ double SourceOver(unsigned source, unsigned ground, unsigned alpha)
 TEST_F(PainterTest, TranslucentRectanglesMatchTheModelWithinOneStep)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     for (int i = 0; i < 300; ++i) {
         ArgbImage ground(kWidth, kHeight, 0);
         for (std::uint32_t& pixel : ground.pixels)
@@ -386,7 +384,6 @@ TEST_F(PainterOn8Bit, CopyWritesTheIndex)
 TEST_F(PainterOn8Bit, IndicesMatchTheModelInEveryFillMode)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     _painter->SetBlendMode(BlendSrcOver8BIT);
     for (int i = 0; i < 400; ++i) {
         const RandomRectangle r(random, *_painter);
