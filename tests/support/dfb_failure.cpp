@@ -64,7 +64,9 @@ testing::Matcher<const std::string&> ReportsAtLast(const std::string& file, cons
 
 bool ExitsWith::operator()(int status) const
 {
-    return WIFEXITED(status) && WEXITSTATUS(status) == (static_cast<unsigned>(_result) & 0xff);
+    // A process ends with the low eight bits of what it ends with.
+    const int code = static_cast<int>(static_cast<unsigned>(_result) & 0xff);
+    return WIFEXITED(status) && WEXITSTATUS(status) == code;
 }
 
 } // namespace kestrin_test
