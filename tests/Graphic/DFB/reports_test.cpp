@@ -29,10 +29,9 @@ using zelxxx::Color8Bit;
 using zelxxx::ColorMode;
 using zelxxx::Font;
 using zelxxx::FontRegular;
-using zelxxx::ICanvas;
-using zelxxx::IPainter;
 using zelxxx::NoBlit;
 using zelxxx::Painter;
+using zelxxx::PCanvas;
 using zelxxx::View;
 using zelxxx::zelCreateCanvas;
 using zelxxx::zelCreatePainter;
@@ -44,6 +43,13 @@ constexpr char kView[] = "Graphic/DFB/view.cpp";
 constexpr char kCanvas[] = "Graphic/DFB/canvas.cpp";
 constexpr char kPainter[] = "Graphic/DFB/painter.cpp";
 constexpr char kFontFile[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+
+using PFont = zelxxx::ZELObjPtr<zelxxx::IFont>;
+
+IDirectFBSurface* SurfaceOf(zelxxx::ICanvas* canvas)
+{
+    return zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
+}
 
 struct ReportCase
 {
@@ -124,8 +130,9 @@ void Present(void (*prepare)(IDirectFBSurface*))
 {
     zelInitialize(64, 48, 32);
     prepare(View::_primary);
-    zelxxx::IView* view = zelxxx::zelCreateView(0, 64, 48, Color32Bit, false);
-    view->Copy(0, 0, zelCreateCanvas(8, 8, Color32Bit), 0, 0, 8, 8);
+    const zelxxx::PView view = zelxxx::zelCreateView(0, 64, 48, Color32Bit, false);
+    const PCanvas canvas = zelCreateCanvas(8, 8, Color32Bit);
+    view->Copy(0, 0, canvas, 0, 0, 8, 8);
 }
 
 const ReportCase kViewCases[] = {
@@ -202,8 +209,8 @@ TEST(ReportOfTheStart, DirectFBCreate)
 void Clear(ColorMode mode, void (*prepare)(IDirectFBSurface*))
 {
     zelInitialize(64, 48, static_cast<zelxxx::UInt8>(mode));
-    ICanvas* canvas = zelCreateCanvas(8, 8, mode);
-    prepare(zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface());
+    const PCanvas canvas = zelCreateCanvas(8, 8, mode);
+    prepare(SurfaceOf(canvas));
     canvas->Clear(0, 0, 8, 8, 1, 255);
 }
 
@@ -233,10 +240,10 @@ const ReportCase kCanvasCases[] = {
     {"Blit", kCanvas, "_back->Blit(_back, back, &rect, x, y)",
      [] {
          zelInitialize(64, 48, 32);
-         ICanvas* canvas = zelCreateCanvas(8, 8, Color32Bit);
-         FailCall<&IDirectFBSurface::Blit>(
-             zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface());
-         canvas->Copy(0, 0, zelCreateCanvas(8, 8, Color32Bit), 0, 0, 8, 8);
+         const PCanvas canvas = zelCreateCanvas(8, 8, Color32Bit);
+         const PCanvas source = zelCreateCanvas(8, 8, Color32Bit);
+         FailCall<&IDirectFBSurface::Blit>(SurfaceOf(canvas));
+         canvas->Copy(0, 0, source, 0, 0, 8, 8);
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Canvas, Report, testing::ValuesIn(kCanvasCases), NameOfCase);
@@ -284,12 +291,12 @@ struct Painting
     {
         zelInitialize(64, 48, static_cast<zelxxx::UInt8>(mode));
         canvas = zelCreateCanvas(40, 30, mode);
-        surface = zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
+        surface = SurfaceOf(canvas);
         painter = zelCreatePainter(canvas);
     }
-    ICanvas* canvas;
+    PCanvas canvas;
     IDirectFBSurface* surface;
-    IPainter* painter;
+    zelxxx::ZELObjPtr<zelxxx::IPainter> painter;
 };
 
 template <auto Operation>
@@ -365,9 +372,9 @@ template <auto Operation>
 void FailChar(BlendMode mode, int successes)
 {
     const Painting painting(mode == BlendSrcOver ? Color32Bit : Color8Bit);
+    const PFont font(new Font(kFontFile));
     FailCall<Operation>(painting.surface, successes);
-    painting.painter->DrawChar('A', 1, 1, new Font(kFontFile), 12, FontRegular, 60, 128, mode, 1,
-                               1);
+    painting.painter->DrawChar('A', 1, 1, font, 12, FontRegular, 60, 128, mode, 1, 1);
 }
 
 template <auto Operation>
@@ -376,8 +383,8 @@ void FailString(int successes)
     const Painting painting(Color32Bit);
     FailCall<Operation>(painting.surface, successes);
     const zelxxx::WChar glyphs[] = {36};
-    painting.painter->DrawString(glyphs, 1, 1, 1, new Font(kFontFile), 12, FontRegular, 60, 128,
-                                 BlendSrcOver, 1);
+    const PFont font(new Font(kFontFile));
+    painting.painter->DrawString(glyphs, 1, 1, 1, font, 12, FontRegular, 60, 128, BlendSrcOver, 1);
 }
 
 /** Draws a bitmap glyph after the canvas and the scratch surface were prepared. */
@@ -386,8 +393,9 @@ void DrawGlyphBitmap(void (*prepare)(const Painting&))
     const Painting painting(Color32Bit);
     static zelxxx::UInt8 coverage[4] = {255, 255, 255, 255};
     const CharMetrics glyph = {2, 2, 2, 0, 2, coverage};
+    const PFont font(new Font(kFontFile));
     prepare(painting);
-    painting.painter->Draw32BitCharBitmap(&glyph, new Font(kFontFile), 12, 1, 1, 60, 255);
+    painting.painter->Draw32BitCharBitmap(&glyph, font, 12, 1, 1, 60, 255);
 }
 
 decltype(IDirectFB::CreateSurface) real_create_surface;
@@ -423,8 +431,9 @@ const ReportCase kTextCases[] = {
     {"StringExtents", kPainter, kExtents,
      [] {
          const Painting painting(Color32Bit);
-         Font* font = new Font(kFontFile);
-         FailCall<&IDirectFBFont::GetGlyphExtents>(font->GetFont(12, FontRegular, 0x10000));
+         Font* own = new Font(kFontFile);
+         const PFont font(own);
+         FailCall<&IDirectFBFont::GetGlyphExtents>(own->GetFont(12, FontRegular, 0x10000));
          const zelxxx::WChar glyphs[] = {36};
          painting.painter->DrawString(glyphs, 1, 1, 1, font, 12, FontRegular, 60, 128, BlendSrcCopy,
                                       1);
@@ -474,7 +483,7 @@ TEST(UnexaminedCalls, FailureIsNotReported)
                                     0);
     FailCall<&S::Flip>(View::_primary);
     FailCall<&S::Clear>(View::_primary);
-    zelxxx::IView* view = zelxxx::zelCreateView(0, 64, 48, Color32Bit, false);
+    const zelxxx::PView view = zelxxx::zelCreateView(0, 64, 48, Color32Bit, false);
     view->Flip();
     view->Clear(0, 0, 1, 1, 0, 0);
     FailCall<&IDirectFBDisplayLayer::SetOpacity>(View::_layer);
