@@ -185,8 +185,11 @@ void ContactSheet::Add(const ArgbImage& image)
     // A picture of other proportions is fitted in, not stretched.
     const double ratio = std::min(static_cast<double>(place.width) / image.width,
                                   static_cast<double>(place.height) / image.height);
-    const int width = std::clamp(static_cast<int>(image.width * ratio + 0.5), 1, place.width);
-    const int height = std::clamp(static_cast<int>(image.height * ratio + 0.5), 1, place.height);
+    const auto scaled = [&](int side, int limit) {
+        return std::clamp(static_cast<int>(std::lround(side * ratio)), 1, limit);
+    };
+    const int width = scaled(image.width, place.width);
+    const int height = scaled(image.height, place.height);
     const ArgbImage small = Scaled(image, width, height);
     const int left = place.x + (place.width - width) / 2;
     const int top = place.y + (place.height - height) / 2;
