@@ -103,7 +103,7 @@ public:
     T* operator->() const { return _ptr; }
     operator T*() const { return _ptr; }
     bool operator==(const ZELObjPtr& other) const { return _ptr == other._ptr; }
-    bool operator==(const T* object) const { return _ptr == object; }
+    bool operator==(T* object) const { return _ptr == object; }
 
 private:
     T* _ptr;

@@ -120,9 +120,7 @@ void AddScreenOption(CLI::App& command, Options& options)
         ->type_name("FILE");
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     Options options;
     CLI::App app("Looks at the screen of a program that draws into a screen file, while it runs or "
@@ -163,4 +161,16 @@ int main(int argc, char** argv)
         return 1;
     }
     return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "kestrin-screen: %s\n", error.what());
+        return 1;
+    }
 }

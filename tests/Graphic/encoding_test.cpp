@@ -179,7 +179,6 @@ TEST(Encoding, EveryLatin1ByteIsItsOwnUnit)
 TEST(Encoding, RandomUtf8TextMatchesAnEncoderWrittenByHand)
 {
     SeededRandom random;
-    SCOPED_TRACE(random.Trace());
     std::string bytes;
     std::vector<WChar> units;
     for (int i = 0; i < 5000; ++i) {

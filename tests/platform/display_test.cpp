@@ -3,6 +3,7 @@
  */
 #include "directfb_screen.h"
 #include "display_fixture.h"
+#include "display_setup.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -446,6 +447,20 @@ TEST(Display, CanBeTakenManyTimes)
     }
 }
 
+// After a system that failed to start, DirectFB may end by itself: all that counts is the message.
+TEST(DisplayStartDeathTest, TellsWhyNoFileCanBeMade)
+{
+    TestDisplay display;
+    const auto start = [] {
+        setenv("DFBARGS", kestrin_display::ScreenFileArguments("/nowhere/screen", 8, 8).c_str(), 1);
+        IDirectFB* dfb = nullptr;
+        DirectFBInit(nullptr, nullptr);
+        if (DirectFBCreate(&dfb) != DFB_OK)
+            std::abort();
+    };
+    EXPECT_DEATH(start(), "cannot create screen file /nowhere/screen: No such file");
+}
+
 TEST(Display, DirectFBCanBeStartedAgain)
 {
     TestDisplay display;
@@ -475,7 +490,7 @@ TEST(Display, PictureStaysWhenTheProcessEndsWithoutReleasing)
 {
     TestDisplay display;
     const pid_t process = StartProcess([] {
-        auto* screen = new Screen;
+        static auto* screen = new Screen; // never released
         screen->Take(64, 48, DSPF_ARGB, DLBM_BACKVIDEO);
         screen->Fill(0, 0, 64, 48, 0xff778899);
         screen->Flip();

@@ -1,12 +1,11 @@
 /**
- * Random numbers that can be had again.
+ * Random numbers for tests that can be run again.
  *
- *     SeededRandom random;
- *     SCOPED_TRACE(random.Trace());       // a failure names the seed
- *     int x = random.Between(-5, 300);
+ *     SeededRandom random;                 // KESTRIN_TEST_SEED replaces the seed
+ *     const int x = random.Between(-5, 5); // both ends included
  *
- * KESTRIN_TEST_SEED=<number> in the environment repeats a run; without it every run takes the same
- * seed, so that a test does not fail by chance in somebody else's hands.
+ * Without the variable every run takes the same seed, so that a test does not fail by chance in
+ * somebody else's hands. As long as the object lives, every failure is reported with the seed.
  */
 #pragma once
 
@@ -15,34 +14,51 @@
 #include <random>
 #include <string>
 
+#include <gtest/gtest.h>
+
 namespace kestrin_test {
 
 class SeededRandom
 {
 public:
-    SeededRandom() : _seed(SeedFromEnvironment()), _engine(_seed) {}
-
-    /** What to put into SCOPED_TRACE. */
-    std::string Trace() const { return "KESTRIN_TEST_SEED=" + std::to_string(_seed); }
-
-    /** A number from `least` to `most`, both included. */
-    std::int64_t Between(std::int64_t least, std::int64_t most)
+    explicit SeededRandom(std::uint32_t seed = 20030415)
+        : _seed(FromEnvironment("KESTRIN_TEST_SEED", seed)), _engine(_seed),
+          _trace(__FILE__, __LINE__, "run again with KESTRIN_TEST_SEED=" + std::to_string(_seed))
     {
-        return std::uniform_int_distribution<std::int64_t>(least, most)(_engine);
     }
+
+    std::uint32_t Seed() const { return _seed; }
+
+    /** A number from `low` to `high`, both included. */
+    std::int64_t Between(std::int64_t low, std::int64_t high)
+    {
+        // Not a standard distribution: those differ between libraries.
+        const auto range = static_cast<std::uint64_t>(high - low) + 1U;
+        return low + static_cast<std::int64_t>(range == 0 ? _engine() : _engine() % range);
+    }
+
+    bool Chance(int percent) { return Between(1, 100) <= percent; }
 
     /** For standard algorithms. */
     std::mt19937_64& Engine() { return _engine; }
 
-private:
-    static std::uint64_t SeedFromEnvironment()
+    /** How many rounds to run: `count`, or as many as KESTRIN_TEST_ROUNDS says. */
+    static int Rounds(int count)
     {
-        const char* seed = std::getenv("KESTRIN_TEST_SEED");
-        return seed ? std::strtoull(seed, nullptr, 10) : 20030415;
+        return static_cast<int>(
+            FromEnvironment("KESTRIN_TEST_ROUNDS", static_cast<std::uint32_t>(count)));
     }
 
-    std::uint64_t _seed;
+private:
+    static std::uint32_t FromEnvironment(const char* name, std::uint32_t otherwise)
+    {
+        const char* text = std::getenv(name);
+        return text ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
+    }
+
+    std::uint32_t _seed;
     std::mt19937_64 _engine;
+    testing::ScopedTrace _trace;
 };
 
 } // namespace kestrin_test

@@ -41,7 +41,8 @@ TEST_F(PngFile, EveryPixelComesBack)
     ArgbImage image(67, 41);
     for (int y = 0; y < image.height; y++) {
         for (int x = 0; x < image.width; x++)
-            image.At(x, y) = static_cast<std::uint32_t>(x * 0x03000501 + y * 0x00070b0d);
+            image.At(x, y) = static_cast<std::uint32_t>(x) * 0x03000501U +
+                             static_cast<std::uint32_t>(y) * 0x00070b0dU;
     }
     WritePng(path, image);
 
