@@ -461,18 +461,6 @@ TEST(DisplayStartDeathTest, TellsWhyNoFileCanBeMade)
     EXPECT_DEATH(start(), "cannot create screen file /nowhere/screen: No such file");
 }
 
-TEST(Display, DirectFBCanBeStartedAgain)
-{
-    TestDisplay display;
-    for (std::uint32_t color : {0xff111111U, 0xff222222U, 0xff333333U}) {
-        Screen screen;
-        screen.Take(64, 48, DSPF_ARGB);
-        screen.Fill(0, 0, 64, 48, color);
-        screen.Flip();
-        EXPECT_TRUE(OneColor(display.Shot(), color));
-    }
-}
-
 TEST(Display, ProperEndHidesTheLayerAndKeepsThePicture)
 {
     TestDisplay display;
