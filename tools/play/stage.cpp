@@ -42,12 +42,7 @@ int SideMargin(int width)
     return width / 20;
 }
 
-/** Room between the text and the edge of its box; the formatter keeps the sides free too. */
-int SidePadding(int font_size)
-{
-    return font_size / 2;
-}
-
+/** Room above the first and below the last line. */
 int EdgePadding(int font_size)
 {
     return font_size / 4;
@@ -103,7 +98,7 @@ Stage::Measured Stage::Measure(const CaptionLine& line) const
     bool from_memory = false;
     zelxxx::PResource resource = line.font.resource;
     zelxxx::IFont* font = resource->OpenFont(line.font.index, from_memory);
-    const int widest = _format.width - 2 * SideMargin(_format.width) - 2 * SidePadding(_font_size);
+    const int widest = _format.width - 2 * SideMargin(_format.width) - 2 * TextMargin(_font_size);
     const std::vector<PlacedLine> rows =
         LayOut(*font, static_cast<UInt16>(_font_size), line.styled.text, widest);
     Measured measured = {&line, static_cast<int>(rows.size()), 0};
@@ -133,7 +128,7 @@ int Stage::Show(const std::vector<const Caption*>& captions, double progress)
         }
     }
 
-    width += 2 * SidePadding(_font_size);
+    width += 2 * TextMargin(_font_size);
     const int height = rows * line_height + 2 * EdgePadding(_font_size);
     const int left = (_format.width - width) / 2;
     int top = bottom - height;
