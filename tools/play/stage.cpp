@@ -107,27 +107,39 @@ Stage::Measured Stage::Measure(const CaptionLine& line) const
     return measured;
 }
 
-int Stage::Show(const std::vector<const Caption*>& captions, double progress)
+std::vector<Stage::Measured> Stage::MeasureWhatFits(const std::vector<const Caption*>& captions,
+                                                    int room, int* dropped) const
 {
-    const int line_height = LineHeight(_font_size);
-    const int bottom = _format.height - _format.height / 9;
-    const int most_rows =
-        (bottom - _format.height / 20 - 2 * EdgePadding(_font_size)) / line_height;
-    std::vector<Measured> shown;
-    int rows = 0, width = 0, dropped = 0;
+    int rows = (room - 2 * EdgePadding(_font_size)) / LineHeight(_font_size);
+    std::vector<Measured> fitting;
+    *dropped = 0;
     for (const Caption* caption : captions) {
         for (const CaptionLine& line : caption->lines) {
             const Measured measured = Measure(line);
-            if (rows + measured.rows > most_rows) {
-                ++dropped;
+            if (measured.rows > rows) {
+                ++*dropped;
                 continue;
             }
-            shown.push_back(measured);
-            rows += measured.rows;
-            width = std::max(width, measured.width);
+            rows -= measured.rows;
+            fitting.push_back(measured);
         }
     }
+    return fitting;
+}
 
+int Stage::Show(const std::vector<const Caption*>& captions, double progress)
+{
+    const int bottom = _format.height - _format.height / 9;
+    const int line_height = LineHeight(_font_size);
+    int dropped = 0;
+    const std::vector<Measured> shown =
+        MeasureWhatFits(captions, bottom - _format.height / 20, &dropped);
+
+    int rows = 0, width = 0;
+    for (const Measured& measured : shown) {
+        rows += measured.rows;
+        width = std::max(width, measured.width);
+    }
     width += 2 * TextMargin(_font_size);
     const int height = rows * line_height + 2 * EdgePadding(_font_size);
     const int left = (_format.width - width) / 2;
