@@ -315,6 +315,26 @@ TEST_F(DirectFbFont, TwentyFirstIsNullWhileTheTwentyStay)
     EXPECT_EQ(metrics.width, 7) << "without a font nothing is written";
 }
 
+TEST_F(DirectFbFont, CreationThatGivesNoFontUsesUpItsSlotForGood)
+{
+    IDirectFB* dfb = zelGetDFBHandle();
+    static auto create = dfb->CreateFont;
+    static int creations = 0;
+    // Every second creation succeeds without a font.
+    dfb->CreateFont = [](IDirectFB* thiz, const char* name, const DFBFontDescription* description,
+                         IDirectFBFont** font) {
+        return ++creations % 2 ? create(thiz, name, description, font) : DFB_OK;
+    };
+    for (UInt16 size = 10; size < 30; ++size)
+        EXPECT_EQ(_font->GetFont(size, FontBold, 0) != nullptr, size % 2 == 0) << size;
+    EXPECT_EQ(creations, 20);
+    EXPECT_NE(_font->GetFont(28, FontBold, 0), nullptr);
+    EXPECT_EQ(_font->GetFont(29, FontBold, 0), nullptr) << "the slot does not know its size";
+    EXPECT_EQ(_font->GetFont(0, FontRegular, 0), nullptr) << "what an unused slot looks like";
+    EXPECT_EQ(creations, 20) << "no slot is left to try again";
+    dfb->CreateFont = create;
+}
+
 TEST_F(DirectFbFont, CharMetricsHoldTheAdvanceOfTheGlyphOfThatNumberOnly)
 {
     UInt8 byte = 0;
