@@ -285,6 +285,8 @@ TEST_F(ResourceTest, FontHeldBeyondItsResourceKeepsItsBytes)
     PResource resource = OpenIndex("1\nfnt:a.ttf\n");
     const ZELObjPtr<IFont> font(Open(*resource, 1));
     resource = nullptr;
+    // Takes over the memory of the bytes if they were freed.
+    const std::vector<std::string> junk(8, std::string(std::filesystem::file_size(kSans), 'x'));
     CharMetrics glyph = {};
     font->GetFTCharMetrics('g', 40, FontRegular, &glyph, 100, 100);
     EXPECT_NE(glyph.buffer, nullptr);
