@@ -1,47 +1,22 @@
 #include "dirty.h"
 
+#include "dirty_rects.h"
 #include "seeded_random.h"
 
 #include <algorithm>
-#include <limits>
-#include <ostream>
 #include <set>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using kestrin_test::Delivered;
 using kestrin_test::SeededRandom;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace zelxxx {
-
-bool operator==(const DirtyRect& a, const DirtyRect& b)
-{
-    return a.x1 == b.x1 && a.y1 == b.y1 && a.x2 == b.x2 && a.y2 == b.y2;
-}
-
-void PrintTo(const DirtyRect& rect, std::ostream* out)
-{
-    *out << "(" << rect.x1 << ", " << rect.y1 << ", " << rect.x2 << ", " << rect.y2 << ")";
-}
-
 namespace {
-
-class Recorder : public IDirtyRectHandler
-{
-public:
-    void HandleRect(const DirtyRect& dirty_rect) override { rects.push_back(dirty_rect); }
-    std::vector<DirtyRect> rects;
-};
-
-std::vector<DirtyRect> Delivered(const DirtyManager& manager, const DirtyRect& bound)
-{
-    Recorder recorder;
-    manager.Handle(bound, &recorder);
-    return recorder.rects;
-}
 
 std::vector<const DirtyRow*> Rows(const DirtyRow* row)
 {
