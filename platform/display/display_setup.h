@@ -29,12 +29,14 @@ enum class SetupResult
  * @param height       likewise
  * @throws std::invalid_argument for a comma, which DirectFB takes for the end of an option, and for
  *         sizes out of range
- * @throws std::runtime_error if the display module cannot be found
+ * @throws std::runtime_error if the display module cannot be found or nothing can be written beside
+ *         the screen file: DirectFB itself does not always survive a system that fails to start
  */
 SetupResult UseScreenFile(const std::string& screen_file, int width, int height);
 
 /**
- * The value UseScreenFile gives DFBARGS, for programs that are started with it. Throws likewise.
+ * The value UseScreenFile gives DFBARGS, for programs that are started with it. Throws likewise,
+ * but does not look at the screen file's directory.
  */
 std::string ScreenFileArguments(const std::string& screen_file, int width, int height);
 

@@ -9,6 +9,9 @@
 #include <stdexcept>
 #include <system_error>
 
+#include <signal.h>
+#include <unistd.h>
+
 namespace kestrin_test {
 
 using kestrin_display::ArgbImage;
@@ -16,9 +19,34 @@ using kestrin_display::LayerFacts;
 using kestrin_display::LayerSnapshot;
 using kestrin_display::PixelFormat;
 
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char prefix[] = "kestrin-display-"; // followed by the process id and a random part
+
+// Death tests end without destructors: the next test clears away what dead processes left.
+void RemoveLeftovers(const fs::path& directory)
+{
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(directory, ignored)) {
+        const std::string name = entry.path().filename();
+        if (name.rfind(prefix, 0) != 0)
+            continue;
+        const long process = std::strtol(name.c_str() + std::strlen(prefix), nullptr, 10);
+        if (process > 0 && kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH)
+            fs::remove_all(entry.path(), ignored);
+    }
+}
+
+} // namespace
+
 TestDisplay::TestDisplay(int width, int height)
 {
-    std::string name = std::filesystem::temp_directory_path() / "kestrin-test-XXXXXX";
+    const fs::path directory = fs::temp_directory_path();
+    RemoveLeftovers(directory);
+
+    std::string name = directory / (prefix + std::to_string(getpid()) + "-XXXXXX");
     if (mkdtemp(name.data()) == nullptr)
         throw std::runtime_error("cannot make " + name + ": " + std::strerror(errno));
     _directory = name;
@@ -31,7 +59,7 @@ TestDisplay::TestDisplay(int width, int height)
 TestDisplay::~TestDisplay()
 {
     std::error_code ignored;
-    std::filesystem::remove_all(_directory, ignored);
+    fs::remove_all(_directory, ignored);
 }
 
 LayerFacts TestDisplay::Facts(int layer) const

@@ -1,10 +1,11 @@
 /**
  * Random numbers for tests that can be run again.
  *
- *     SeededRandom random(7);              // KESTRIN_TEST_SEED replaces the 7
+ *     SeededRandom random;                 // KESTRIN_TEST_SEED replaces the seed
  *     const int x = random.Between(-5, 5); // both ends included
  *
- * As long as the object lives, every failure is reported with the seed.
+ * Without the variable every run takes the same seed, so that a test does not fail by chance in
+ * somebody else's hands. As long as the object lives, every failure is reported with the seed.
  */
 #pragma once
 
@@ -20,7 +21,7 @@ namespace kestrin_test {
 class SeededRandom
 {
 public:
-    explicit SeededRandom(std::uint32_t seed)
+    explicit SeededRandom(std::uint32_t seed = 20030415)
         : _seed(FromEnvironment("KESTRIN_TEST_SEED", seed)), _engine(_seed),
           _trace(__FILE__, __LINE__, "run again with KESTRIN_TEST_SEED=" + std::to_string(_seed))
     {
@@ -29,14 +30,17 @@ public:
     std::uint32_t Seed() const { return _seed; }
 
     /** A number from `low` to `high`, both included. */
-    int Between(int low, int high)
+    std::int64_t Between(std::int64_t low, std::int64_t high)
     {
         // Not a standard distribution: those differ between libraries.
-        const auto range = static_cast<std::uint32_t>(high - low) + 1U;
-        return low + static_cast<int>(_engine() % range);
+        const auto range = static_cast<std::uint64_t>(high - low) + 1U;
+        return low + static_cast<std::int64_t>(range == 0 ? _engine() : _engine() % range);
     }
 
     bool Chance(int percent) { return Between(1, 100) <= percent; }
+
+    /** For standard algorithms. */
+    std::mt19937_64& Engine() { return _engine; }
 
     /** How many rounds to run: `count`, or as many as KESTRIN_TEST_ROUNDS says. */
     static int Rounds(int count)
@@ -53,7 +57,7 @@ private:
     }
 
     std::uint32_t _seed;
-    std::mt19937 _engine;
+    std::mt19937_64 _engine;
     testing::ScopedTrace _trace;
 };
 
