@@ -77,7 +77,11 @@ void Text::DrawTextExt()
     }
 }
 
-/** Replays one record and returns its size; 0 for bytes that are none, which end the replay. */
+/**
+ * Replays one record and returns its size; 0 for bytes that are none, which end the replay. One
+ * that is longer than what is left, as a colour index read on a 32-bit display can be, is passed
+ * over.
+ */
 UInt32 Text::ReplayRecord(Replay& replay, const UInt8* record, UInt32 left)
 {
     if (record[0] != TextInfo::kMark)
@@ -102,8 +106,7 @@ UInt32 Text::ReplayRecord(Replay& replay, const UInt8* record, UInt32 left)
     default:
         break;
     }
-    // A colour index at the end of a 32-bit display's stream is shorter than what is read as one.
-    return size <= left ? size : 0;
+    return size;
 }
 
 void Text::TakeColor(Replay& replay, const UInt8* record) const

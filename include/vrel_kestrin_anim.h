@@ -47,6 +47,10 @@ public:
 class KESTRIN_EXPORT Modifier : public ModifierBase, public ZELObject<IModifier, Modifier>
 {
 public:
+    // Both bases count the same references.
+    using ZELObject<IModifier, Modifier>::Hold;
+    using ZELObject<IModifier, Modifier>::Release;
+
     void Enable(bool enabled) override;
 };
 

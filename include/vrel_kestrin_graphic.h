@@ -129,7 +129,8 @@ public:
     /**
      * On 8-bit displays only: turns a glyph's coverage into palette indices.
      *
-     * @param char_metrics  the glyph; at most 255 x 255 pixels
+     * @param char_metrics  the glyph; at most 255 x 255 pixels. Its buffer is null for a glyph the
+     *                      font cache has no bitmap for
      * @param color         0x00BBGGRR of the last colour record
      * @param blend         opacity the glyph is to be drawn with
      * @param buffer        receives `height` rows of `width` palette indices; zero on entry, and a
@@ -532,8 +533,9 @@ KESTRIN_EXPORT void zelSetBackBufferSize(int row_count, int col_count);
  * Converts bytes to UTF-16 code units in host order, without a byte-order mark.
  *
  * The character sets are ASCII, Big5, GB2312, EUC-KR, EUC-JP, ISO 8859-1 to -9 and -15, ISO 6937
- * and UTF-8. EncodingUnicode and EncodingJIS take 16-bit units in host order. ISO 8859-10 to -14
- * and -16, ARIB and unknown values are read as UTF-8.
+ * and UTF-8. EncodingUnicode and EncodingJIS take 16-bit units in host order; a byte-order mark
+ * before them is taken off and obeyed. ISO 8859-10 to -14 and -16, ARIB and unknown values are read
+ * as UTF-8.
  *
  * @param text            `length` bytes
  * @param unicode         receives the units; must hold 2 x `unicode_length` units, all of which are

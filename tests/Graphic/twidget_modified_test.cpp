@@ -56,6 +56,18 @@ TEST(Modifier, BaseOperationsCountTheObjectsReferences)
     EXPECT_EQ(destroyed, 1);
 }
 
+TEST(Modifier, CanBeHeldByItsOwnClass)
+{
+    int destroyed = 0;
+    {
+        ZELObjPtr<TestModifier> modifier(new TestModifier(nullptr, &destroyed));
+        Held<Rectangle> rectangle;
+        rectangle->AddModifier(static_cast<IModifier*>(modifier));
+        EXPECT_EQ(modifier->Count(), 2);
+    }
+    EXPECT_EQ(destroyed, 1);
+}
+
 class WidgetModifiers : public testing::Test
 {
 protected:

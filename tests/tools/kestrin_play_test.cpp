@@ -228,6 +228,19 @@ TEST_F(KestrinPlay, OverlappingCuesStandTogether)
     EXPECT_EQ(both.bottom - both.top, first.bottom - first.top + line);
 }
 
+TEST_F(KestrinPlay, LinesThatDoNotFitAreCountedAndTheRestIsShown)
+{
+    std::string content = "00:00:01,000 --> 00:00:04,000\n";
+    for (int i = 1; i <= 20; ++i)
+        content += "line " + std::to_string(i) + "\n";
+    directory.Write("a.srt", content);
+    const Outcome outcome = Play("--out . a.srt");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("a.srt:1: 9 lines do not fit on the screen at "
+                                          "00:00:01,000; shorten the text"));
+    ExpectCaption(Picture("a-001.png"));
+}
+
 TEST_F(KestrinPlay, ALongLineIsWrapped)
 {
     std::string text;

@@ -55,9 +55,8 @@ void CaptionFormatter::Format(IText* text, zelxxx::PtrWChar units, UInt32 length
     const auto size = static_cast<UInt16>(text->GetAttribute(zelxxx::AttrFontSize));
     const int span = text->GetAttribute(zelxxx::AttrSpanX);
     const int line_height = text->GetAttribute(zelxxx::AttrLineHeight);
-    const int margin = size / 2;
     const std::vector<PlacedLine> lines =
-        LayOut(*font, size, std::u16string(units, units + length), span - 2 * margin);
+        LayOut(*font, size, std::u16string(units, units + length), span - 2 * TextMargin(size));
 
     // All shadows first, so that none falls on a character.
     for (const int offset : {ShadowOffset(size), 0}) {

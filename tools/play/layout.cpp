@@ -1,5 +1,7 @@
 #include "layout.h"
 
+#include <linebreak.h>
+
 #include <algorithm>
 
 namespace kestrin_play {
@@ -9,34 +11,24 @@ using zelxxx::IFont;
 using zelxxx::UInt16;
 using zelxxx::WChar;
 
-/** Han, kana and their punctuation, which are written without spaces between words. */
-bool IsUnspaced(char16_t unit)
+bool IsHangul(char16_t unit)
 {
-    return (unit >= 0x2E80 && unit <= 0x9FFF) || (unit >= 0xF900 && unit <= 0xFAFF) ||
-           (unit >= 0xFF00 && unit <= 0xFFEF);
+    return unit >= 0xAC00 && unit <= 0xD7A3;
 }
 
-/** Must not begin a line: closing punctuation, small kana, the long vowel mark. */
-bool StaysBehind(char16_t unit)
+/** For each unit, whether a line may end behind it, by the Unicode line-breaking rules. */
+std::vector<bool> FindBreaks(const std::u16string& text)
 {
-    return std::u16string_view(u"、。，．：；！？）」』】》〉…・ーっゃゅょッャュョ’”,.;:!?)")
-               .find(unit) != std::u16string_view::npos;
-}
-
-/** Must not end a line. */
-bool StaysAhead(char16_t unit)
-{
-    return std::u16string_view(u"（「『【《〈‘“(").find(unit) != std::u16string_view::npos;
-}
-
-bool MayBreakBefore(const std::u16string& text, std::size_t at)
-{
-    const char16_t before = text[at - 1];
-    const char16_t after = text[at];
-    if (before == u' ')
-        return after != u' ';
-    return (IsUnspaced(before) || IsUnspaced(after)) && after != u' ' && !StaysBehind(after) &&
-           !StaysAhead(before);
+    std::vector<char> rules(text.size());
+    set_linebreaks_utf16(reinterpret_cast<const utf16_t*>(text.data()), text.size(), nullptr,
+                         rules.data());
+    std::vector<bool> breaks(text.size());
+    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+        // Korean captions are broken between words only, which the rules leave to the writer.
+        breaks[i] =
+            rules[i] <= LINEBREAK_ALLOWBREAK && !(IsHangul(text[i]) && IsHangul(text[i + 1]));
+    }
+    return breaks;
 }
 
 /** Measures stretches of one text. */
@@ -85,7 +77,8 @@ struct Broken
     int forced; ///< breaks inside a word
 };
 
-Broken Break(const Ruler& ruler, const std::u16string& text, int width)
+Broken Break(const Ruler& ruler, const std::u16string& text, const std::vector<bool>& breaks,
+             int width)
 {
     Broken broken = {{}, 0};
     std::size_t begin = 0;
@@ -93,7 +86,7 @@ Broken Break(const Ruler& ruler, const std::u16string& text, int width)
         std::size_t end = begin + 1;
         std::size_t last_break = 0;
         for (; end < text.size(); ++end) {
-            if (MayBreakBefore(text, end))
+            if (breaks[end - 1])
                 last_break = end;
             if (ruler.Width(begin, WithoutBlanks(text, begin, end + 1)) > width)
                 break;
@@ -113,12 +106,13 @@ Broken Break(const Ruler& ruler, const std::u16string& text, int width)
 std::vector<PlacedLine> LayOut(IFont& font, UInt16 size, const std::u16string& text, int width)
 {
     const Ruler ruler(font, size, text);
-    Broken best = Break(ruler, text, width);
+    const std::vector<bool> breaks = FindBreaks(text);
+    Broken best = Break(ruler, text, breaks, width);
     // The narrowest width that needs no further line or cut makes the lines about equally long.
     int enough = width;
     for (int too_narrow = 0; best.lines.size() > 1 && enough - too_narrow > 1;) {
         const int middle = (enough + too_narrow) / 2;
-        Broken tried = Break(ruler, text, middle);
+        Broken tried = Break(ruler, text, breaks, middle);
         if (tried.lines.size() > best.lines.size() || tried.forced > best.forced) {
             too_narrow = middle;
         } else {

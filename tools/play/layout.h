@@ -38,6 +38,12 @@ constexpr int LineHeight(int font_size)
     return font_size * 13 / 10;
 }
 
+/** Kept free at both ends of a text's lines, so that no overhang or shadow is cut off. */
+constexpr int TextMargin(int font_size)
+{
+    return font_size / 2;
+}
+
 /** From the top of a line to its baseline, the same in every font. */
 constexpr int Baseline(int font_size)
 {

@@ -273,9 +273,7 @@ int Play(const Arguments& arguments)
     return ExitPlayed;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     Arguments arguments;
     CLI::App app("Shows a SubRip file on the display.", "kestrin-play");
@@ -285,13 +283,19 @@ int main(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitPlayed : ExitUsage;
     }
-
     std::signal(SIGINT, RequestStop);
     std::signal(SIGTERM, RequestStop);
+    return Play(arguments);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
     try {
-        return Play(arguments);
+        return Run(argc, argv);
     } catch (const std::exception& error) {
-        std::cerr << "kestrin-play: " << error.what() << '\n';
+        std::fprintf(stderr, "kestrin-play: %s\n", error.what());
         return ExitNothingPlayed;
     }
 }

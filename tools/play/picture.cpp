@@ -43,21 +43,22 @@ double HillTop(int row, double x)
            0.02 * std::sin(2.7 * pitch * x + 0.6 * row);
 }
 
-/** Colour of the landscape at (x, y), both from 0 to 1; the sun is round in pixels. */
-Rgb Landscape(double x, double y, double aspect)
+/** Colour of the landscape at (x, y), both from 0 to 1, in a picture of width x height pixels. */
+Rgb Landscape(double x, double y, int width, int height)
 {
     static const std::array<Rgb, 3> hills = {{{96, 108, 148}, {62, 96, 92}, {36, 66, 44}}};
     const Rgb zenith = {58, 92, 160};
     const Rgb horizon = {250, 196, 140};
     Rgb colour = Mix(zenith, horizon, y / 0.62);
 
-    const double dx = (x - 0.7) * aspect;
+    const double dx = (x - 0.7) * width / height;
     const double distance = std::sqrt(dx * dx + (y - 0.34) * (y - 0.34));
     colour = Mix(Rgb{255, 240, 200}, colour, (distance - 0.06) / 0.01);
     for (int row = 0; row < 3; ++row) {
         const double below = y - HillTop(row, x);
-        if (below > 0)
-            colour = Mix(hills[static_cast<std::size_t>(row)], Rgb{20, 34, 30}, below * 1.4);
+        const Rgb hill = Mix(hills[static_cast<std::size_t>(row)], Rgb{20, 34, 30}, below * 1.4);
+        // The edge is as soft as a pixel is high.
+        colour = Mix(colour, hill, below * height + 0.5);
     }
     return colour;
 }
@@ -94,10 +95,9 @@ std::uint32_t Mean(const ArgbImage& image, int x1, int y1, int x2, int y2)
 ArgbImage TestPicture(int width, int height)
 {
     ArgbImage image(width, height);
-    const double aspect = static_cast<double>(width) / height;
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x)
-            image.At(x, y) = Pack(Landscape((x + 0.5) / width, (y + 0.5) / height, aspect));
+            image.At(x, y) = Pack(Landscape((x + 0.5) / width, (y + 0.5) / height, width, height));
     }
     return image;
 }
@@ -185,8 +185,11 @@ void ContactSheet::Add(const ArgbImage& image)
     // A picture of other proportions is fitted in, not stretched.
     const double ratio = std::min(static_cast<double>(place.width) / image.width,
                                   static_cast<double>(place.height) / image.height);
-    const int width = std::clamp(static_cast<int>(image.width * ratio + 0.5), 1, place.width);
-    const int height = std::clamp(static_cast<int>(image.height * ratio + 0.5), 1, place.height);
+    const auto scaled = [&](int side, int limit) {
+        return std::clamp(static_cast<int>(std::lround(side * ratio)), 1, limit);
+    };
+    const int width = scaled(image.width, place.width);
+    const int height = scaled(image.height, place.height);
     const ArgbImage small = Scaled(image, width, height);
     const int left = place.x + (place.width - width) / 2;
     const int top = place.y + (place.height - height) / 2;

@@ -7,31 +7,41 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <exception>
-#include <iostream>
+#include <string>
+#include <vector>
 
-int main(int argc, char** argv)
+namespace {
+
+int MakeSheet(int argc, char** argv)
 {
     std::string output;
     std::vector<std::string> pictures;
     CLI::App app("Arranges pictures on one sheet, in rows from the top left.", "kestrin-sheet");
     app.add_option("output", output, "The PNG file to write")->required()->type_name("OUT.png");
     app.add_option("pictures", pictures,
-                   "The PNG files to show, the first of which gives the "
-                   "proportions of all places")
+                   "The PNG files to show, the first of which gives the proportions of all places")
         ->required()
         ->type_name("IN.png");
     CLI11_PARSE(app, argc, argv);
 
+    const kestrin_play::ArgbImage first = kestrin_tools::ReadPng(pictures.front());
+    kestrin_play::ContactSheet sheet(pictures.size(), first.width, first.height);
+    for (const std::string& file : pictures)
+        sheet.Add(kestrin_tools::ReadPng(file));
+    kestrin_tools::WritePng(output, sheet.Image());
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
     try {
-        kestrin_play::ArgbImage picture = kestrin_tools::ReadPng(pictures.front());
-        kestrin_play::ContactSheet sheet(pictures.size(), picture.width, picture.height);
-        for (const std::string& file : pictures)
-            sheet.Add(kestrin_tools::ReadPng(file));
-        kestrin_tools::WritePng(output, sheet.Image());
+        return MakeSheet(argc, argv);
     } catch (const std::exception& error) {
-        std::cerr << "kestrin-sheet: " << error.what() << '\n';
+        std::fprintf(stderr, "kestrin-sheet: %s\n", error.what());
         return 1;
     }
-    return 0;
 }

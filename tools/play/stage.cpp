@@ -36,12 +36,13 @@ void Place(IWidget* widget, int left, int top, int width, int height)
     widget->SetAttribute(zelxxx::AttrSpanY, height);
 }
 
-/** Room between the text and the edge of its box; the formatter keeps the sides free too. */
-int SidePadding(int font_size)
+/** Kept free left and right of everything. */
+int SideMargin(int width)
 {
-    return font_size / 2;
+    return width / 20;
 }
 
+/** Room above the first and below the last line. */
 int EdgePadding(int font_size)
 {
     return font_size / 4;
@@ -64,7 +65,7 @@ Stage::Stage(const ScreenFormat& format)
     _box = AddRectangle(_captions, box_argb);
     const auto track = AddRectangle(_programme, track_argb);
     _bar = AddRectangle(_programme, bar_argb);
-    const int side = format.width / 20;
+    const int side = SideMargin(format.width);
     const int height = std::max(3, format.height / 90);
     Place(track, side, format.height - format.height / 14, format.width - 2 * side, height);
     Place(_bar, side, format.height - format.height / 14, 0, height);
@@ -97,7 +98,7 @@ Stage::Measured Stage::Measure(const CaptionLine& line) const
     bool from_memory = false;
     zelxxx::PResource resource = line.font.resource;
     zelxxx::IFont* font = resource->OpenFont(line.font.index, from_memory);
-    const int widest = _format.width * 9 / 10 - 2 * SidePadding(_font_size);
+    const int widest = _format.width - 2 * SideMargin(_format.width) - 2 * TextMargin(_font_size);
     const std::vector<PlacedLine> rows =
         LayOut(*font, static_cast<UInt16>(_font_size), line.styled.text, widest);
     Measured measured = {&line, static_cast<int>(rows.size()), 0};
@@ -106,28 +107,40 @@ Stage::Measured Stage::Measure(const CaptionLine& line) const
     return measured;
 }
 
-int Stage::Show(const std::vector<const Caption*>& captions, double progress)
+std::vector<Stage::Measured> Stage::MeasureWhatFits(const std::vector<const Caption*>& captions,
+                                                    int room, int* dropped) const
 {
-    const int line_height = LineHeight(_font_size);
-    const int bottom = _format.height - _format.height / 9;
-    const int most_rows =
-        (bottom - _format.height / 20 - 2 * EdgePadding(_font_size)) / line_height;
-    std::vector<Measured> shown;
-    int rows = 0, width = 0, dropped = 0;
+    int rows = (room - 2 * EdgePadding(_font_size)) / LineHeight(_font_size);
+    std::vector<Measured> fitting;
+    *dropped = 0;
     for (const Caption* caption : captions) {
         for (const CaptionLine& line : caption->lines) {
             const Measured measured = Measure(line);
-            if (rows + measured.rows > most_rows) {
-                ++dropped;
+            if (measured.rows > rows) {
+                ++*dropped;
                 continue;
             }
-            shown.push_back(measured);
-            rows += measured.rows;
-            width = std::max(width, measured.width);
+            rows -= measured.rows;
+            fitting.push_back(measured);
         }
     }
+    return fitting;
+}
 
-    width += 2 * SidePadding(_font_size);
+int Stage::Show(const std::vector<const Caption*>& captions, double progress)
+{
+    const int bottom = _format.height - _format.height / 9;
+    const int line_height = LineHeight(_font_size);
+    int dropped = 0;
+    const std::vector<Measured> shown =
+        MeasureWhatFits(captions, bottom - _format.height / 20, &dropped);
+
+    int rows = 0, width = 0;
+    for (const Measured& measured : shown) {
+        rows += measured.rows;
+        width = std::max(width, measured.width);
+    }
+    width += 2 * TextMargin(_font_size);
     const int height = rows * line_height + 2 * EdgePadding(_font_size);
     const int left = (_format.width - width) / 2;
     int top = bottom - height;
@@ -142,7 +155,7 @@ int Stage::Show(const std::vector<const Caption*>& captions, double progress)
     for (std::size_t i = shown.size(); i < _slots.size(); ++i)
         _slots[i].text->SetVisibility(false);
 
-    const double whole = _format.width - 2 * (_format.width / 20);
+    const int whole = _format.width - 2 * SideMargin(_format.width);
     _bar->SetAttribute(zelxxx::AttrSpanX,
                        static_cast<int>(std::lround(whole * std::clamp(progress, 0.0, 1.0))));
     return dropped;
@@ -169,10 +182,10 @@ void Stage::ShowLine(std::size_t slot, const Measured& measured, int left, int t
 Stage::Slot& Stage::SlotAt(std::size_t index)
 {
     while (_slots.size() <= index) {
-        Slot slot = {std::make_unique<CaptionFormatter>(_format.mode),
-                     ZELObjPtr<zelxxx::IText>(zelxxx::zelCreateText(nullptr))};
+        Slot& slot = _slots.emplace_back();
+        slot.formatter = std::make_unique<CaptionFormatter>(_format.mode);
+        slot.text = zelxxx::zelCreateText(nullptr);
         _captions->AddWidget(slot.text);
-        _slots.push_back(std::move(slot));
     }
     return _slots[index];
 }

@@ -52,6 +52,8 @@ private:
     void LoadPalette();
     zelxxx::ZELObjPtr<zelxxx::IWidget> AddRectangle(zelxxx::ILayer* layer, std::uint32_t argb);
     Measured Measure(const CaptionLine& line) const;
+    std::vector<Measured> MeasureWhatFits(const std::vector<const Caption*>& captions, int room,
+                                          int* dropped) const;
     void ShowLine(std::size_t slot, const Measured& measured, int left, int top, int width);
     Slot& SlotAt(std::size_t index);
 

@@ -107,8 +107,10 @@ TEST(FindNearestColourIndex, AnyColourAlsoAskedTwiceFindsTheNearest)
     UInt32 colour = 0;
     for (int i = 0; i < 300000; ++i) {
         // Every third question is the one before, which the cache answers.
-        if (i % 3 != 0)
+        if (i % 3 == 1)
             colour = static_cast<UInt32>(random.Between(0, UINT32_MAX));
+        else if (i % 3 == 2) // the same colour in another opacity
+            colour = (colour & 0xffffff) | static_cast<UInt32>(random.Between(0, 255)) << 24;
         ASSERT_EQ(OSD_FindNearestColourIndex(colour), NearestIndex(colour)) << std::hex << colour;
     }
 }

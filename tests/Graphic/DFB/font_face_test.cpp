@@ -161,19 +161,18 @@ TEST_F(FontTest, GivenUpFaceIsBlankOnceTheFontMadeLastIsGone)
     EXPECT_GT(font->GetFTYOffsetTop(40), 0);
 }
 
-TEST_F(FontTest, FaceReopenedFromAnothersBytesDoesNotOutliveThem)
+TEST_F(FontTest, FaceReopenedFromTheBytesOfAnotherFontGoesWithThatFont)
 {
     const PFont font = OpenFile(kSans);
-    auto bytes = std::make_unique<std::string>(BytesOf(kSerif));
+    const std::string bytes = BytesOf(kSerif);
+    const auto crowd = Crowd(kScreen);
     {
-        const auto crowd = Crowd(kScreen);
-        const PFont memory = OpenBytes(*bytes);
+        const PFont memory = OpenBytes(bytes);
         Oracle sans(kSans);
         Oracle serif(kSerif);
         ExpectGlyph(GlyphOf(*font, 'Q', 40), serif, sans.Glyph('Q'), 40, 72);
     }
-    bytes->assign(bytes->size(), 'x');
-    bytes.reset();
+    // The bytes could be gone now.
     EXPECT_EQ(GlyphOf(*font, 'R', 41).buffer, nullptr);
     EXPECT_EQ(GlyphOf(*font, 'Q', 40).buffer, nullptr);
 }
@@ -313,6 +312,26 @@ TEST_F(DirectFbFont, TwentyFirstIsNullWhileTheTwentyStay)
     CharMetrics metrics = {7, 7, 7, 7, 7, nullptr};
     _font->GetCharMetrics('A', 99, FontRegular, &metrics);
     EXPECT_EQ(metrics.width, 7) << "without a font nothing is written";
+}
+
+TEST_F(DirectFbFont, CreationThatGivesNoFontUsesUpItsSlotForGood)
+{
+    IDirectFB* dfb = zelGetDFBHandle();
+    static auto create = dfb->CreateFont;
+    static int creations = 0;
+    // Every second creation succeeds without a font.
+    dfb->CreateFont = [](IDirectFB* thiz, const char* name, const DFBFontDescription* description,
+                         IDirectFBFont** font) {
+        return ++creations % 2 ? create(thiz, name, description, font) : DFB_OK;
+    };
+    for (UInt16 size = 10; size < 30; ++size)
+        EXPECT_EQ(_font->GetFont(size, FontBold, 0) != nullptr, size % 2 == 0) << size;
+    EXPECT_EQ(creations, 20);
+    EXPECT_NE(_font->GetFont(28, FontBold, 0), nullptr);
+    EXPECT_EQ(_font->GetFont(29, FontBold, 0), nullptr) << "the slot does not know its size";
+    EXPECT_EQ(_font->GetFont(0, FontRegular, 0), nullptr) << "what an unused slot looks like";
+    EXPECT_EQ(creations, 20) << "no slot is left to try again";
+    dfb->CreateFont = create;
 }
 
 TEST_F(DirectFbFont, CharMetricsHoldTheAdvanceOfTheGlyphOfThatNumberOnly)
