@@ -123,7 +123,7 @@ public:
     ~ZELElement()
     {
         if (_collection)
-            _collection->UnlinkElement(static_cast<E*>(this));
+            _collection->UnlinkElement(this); // no longer an E
     }
 
     void SetNextElement(E* next) { _next = next; }
@@ -200,11 +200,11 @@ public:
     }
 
     /** Takes an element out without releasing it; false when it is not in this list. */
-    bool UnlinkElement(E* element)
+    bool UnlinkElement(ZELElement<C, E>* element)
     {
         E* previous = nullptr;
         E* at = _elements;
-        for (; at && at != element; at = at->GetNextElement())
+        for (; at && static_cast<ZELElement<C, E>*>(at) != element; at = at->GetNextElement())
             previous = at;
         if (!at)
             return false;
