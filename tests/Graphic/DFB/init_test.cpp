@@ -304,7 +304,6 @@ INSTANTIATE_TEST_SUITE_P(
                     ModeCase{24, PixelFormat::Argb}, ModeCase{32, PixelFormat::Argb}));
 
 // ---- The order of DirectFB calls
-// -----------------------------------------------------------------
 
 // What the start is recorded with. The layer and its surface are met on the way.
 CallLog start_log;

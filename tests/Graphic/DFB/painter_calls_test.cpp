@@ -89,7 +89,6 @@ CallLog SourceOver(const std::string& fill)
 }
 
 // ---- Clip and origin
-// -----------------------------------------------------------------------------
 
 TEST_F(PainterCalls, ConstructionClipsOnePixelBeyondTheCanvas)
 {
@@ -123,7 +122,6 @@ TEST_F(PainterCalls, OriginModesAndFramesMakeNoCall)
 }
 
 // ---- Rectangles
-// ----------------------------------------------------------------------------------
 
 TEST_F(PainterCalls, SourceOverSetsEverythingAndResetsFlagsAndRule)
 {
@@ -236,7 +234,6 @@ TEST_F(PainterCallsOn8Bit, TranslucentIndexIn8BitModeIsBlendedInMemory)
 }
 
 // ---- Text through DirectFB fonts
-// -----------------------------------------------------------------
 
 TEST_F(PainterCalls, DrawCharOverTheDestination)
 {
@@ -331,7 +328,6 @@ TEST_F(DrawStringCalls, NothingToShowMakesNoCall)
 }
 
 // ---- Glyph bitmaps
-// -------------------------------------------------------------------------------
 
 TEST_F(PainterCalls, CoverageGlyphGoesThroughTheScratchSurface)
 {

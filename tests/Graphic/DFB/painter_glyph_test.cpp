@@ -115,7 +115,6 @@ protected:
 };
 
 // ---- Coverage
-// ------------------------------------------------------------------------------------
 
 TEST_F(PainterGlyph, OpaqueGlyphStandsAtPenBearingAndTop)
 {
@@ -239,7 +238,6 @@ TEST_F(PainterGlyph, SceneClippingDropsAtTheSceneRectanglesEdgeAndNotAtTheTiles)
 }
 
 // ---- The scratch surface
-// -------------------------------------------------------------------------
 
 class FontSurface : public PainterGlyph
 {
@@ -299,7 +297,6 @@ TEST_F(FontSurface, ReleaseTwiceIsHarmless)
 }
 
 // ---- Palette indices
-// -----------------------------------------------------------------------------
 
 class PainterGlyphOn8Bit : public PainterGlyph
 {
@@ -400,7 +397,6 @@ TEST_F(PainterGlyphOn8Bit, CoverageGlyphWithoutRoomForItsPixelsIsNotDrawn)
 }
 
 // ---- DirectFB's own fonts
-// ------------------------------------------------------------------------
 
 TEST_F(PainterGlyph, DrawCharTakesTheLowByte)
 {

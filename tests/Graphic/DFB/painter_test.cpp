@@ -100,7 +100,6 @@ protected:
 };
 
 // ---- Construction
-// --------------------------------------------------------------------------------
 
 TEST(PainterWithoutACanvas, ExistsWithoutAReferenceAndIs32Bit)
 {
@@ -142,7 +141,6 @@ TEST_F(PainterTest, ColorModeIsTheCanvases)
 }
 
 // ---- Origin and clip
-// -----------------------------------------------------------------------------
 
 TEST_F(PainterTest, OriginFallsOnTheTopLeftPixel)
 {
@@ -210,7 +208,6 @@ TEST_F(PainterTest, FramesAreNotDrawn)
 }
 
 // ---- Modes
-// ---------------------------------------------------------------------------------------
 
 TEST_F(PainterTest, ColourHasRedInItsLowestByteAndNoFourth)
 {
@@ -275,7 +272,6 @@ TEST_F(PainterTest, SourceOverEndsWithTheFlagsCleared)
 }
 
 // ---- Random rectangles against a model
-// -----------------------------------------------------------
 
 struct RandomRectangle
 {
@@ -366,7 +362,6 @@ TEST_F(PainterTest, TranslucentRectanglesMatchTheModelWithinOneStep)
 }
 
 // ---- 8-bit canvases
-// ------------------------------------------------------------------------------
 
 class PainterOn8Bit : public PainterTest
 {

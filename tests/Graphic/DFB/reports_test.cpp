@@ -82,7 +82,6 @@ TEST_P(Report, HasTheCallsOwnText)
 }
 
 // ---- Display
-// -------------------------------------------------------------------------------------
 
 /** DirectFB stays after the end, so that the next start meets prepared objects. */
 void StartAndEnd()
@@ -203,7 +202,6 @@ TEST(ReportOfTheStart, DirectFBCreate)
 }
 
 // ---- Canvas
-// --------------------------------------------------------------------------------------
 
 /** Clears a canvas whose surface was prepared. */
 void Clear(ColorMode mode, void (*prepare)(IDirectFBSurface*))
@@ -271,7 +269,6 @@ TEST_F(Report, PaletteIndexOnA32BitDisplayEndsTheProcess)
 }
 
 // ---- Painter: rectangles
-// -------------------------------------------------------------------------
 
 constexpr char kFill[] =
     "_canvas_surface->FillRectangle(_canvas_surface, left, top, right - left, bottom - top)";
@@ -359,7 +356,6 @@ TEST_F(Report, EmptyColourKeyFillEndsTheProcess)
 }
 
 // ---- Painter: text
-// -------------------------------------------------------------------------------
 
 constexpr char kDrawString[] = "_canvas_surface->DrawString(_canvas_surface, &text, 1, x, y, "
                                "(DFBSurfaceTextFlags)(DSTF_LEFT | DSTF_TOP))";
@@ -468,7 +464,6 @@ const ReportCase kTextCases[] = {
 INSTANTIATE_TEST_SUITE_P(Text, Report, testing::ValuesIn(kTextCases), NameOfCase);
 
 // ---- Calls whose result is not examined
-// ----------------------------------------------------------
 
 TEST(UnexaminedCalls, FailureIsNotReported)
 {

@@ -231,7 +231,6 @@ TEST_F(ViewTest, DestroyingAViewLeavesTheDisplay)
 }
 
 // ---- Waiting for the layer
-// -----------------------------------------------------------------------
 
 int busy_answers;
 decltype(IDirectFB::GetDisplayLayer) real_get_display_layer;
@@ -256,7 +255,6 @@ TEST_F(ViewTest, BusyLayerIsAskedForAgainAtOnce)
 }
 
 // ---- Subtitles under full frames
-// -----------------------------------------------------------------
 
 /** A display and a back buffer of exactly the size that subtitles are composited under. */
 class ViewSubtitles : public testing::Test
