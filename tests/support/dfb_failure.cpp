@@ -26,13 +26,25 @@ bool TakeNumber(std::string& rest)
     return digits > 0;
 }
 
+/** Leaves out the lines in which DirectFB says what it found on the program's command line. */
+std::string WithoutCommandLine(std::string text)
+{
+    while (text.rfind("commandline read: ", 0) == 0)
+        text.erase(0, text.find('\n') + 1);
+    return text;
+}
+
 } // namespace
 
-MATCHER_P3(IsReport, file, call, message,
+MATCHER_P4(IsReport, file, call, message, alone,
            "is the report of " + std::string(call) + " in " + std::string(file))
 {
-    std::string rest = arg;
     static_cast<void>(result_listener);
+    std::string rest = WithoutCommandLine(arg);
+    const std::size_t begin = rest.find(std::string(file) + " <");
+    if (begin == std::string::npos || (alone && begin != 0))
+        return false;
+    rest.erase(0, begin);
     return Take(rest, file) && Take(rest, " <") && TakeNumber(rest) && Take(rest, ">:\n\t") &&
            Take(rest, "(#) DirectFBError [" + std::string(call) + "]: " + message + "\n") &&
            rest.empty();
@@ -41,12 +53,20 @@ MATCHER_P3(IsReport, file, call, message,
 testing::Matcher<const std::string&> Reports(const std::string& file, const std::string& call,
                                              DFBResult result)
 {
-    return IsReport(file, call, std::string(DirectFBErrorString(result)));
+    return IsReport(file, call, std::string(DirectFBErrorString(result)), true);
+}
+
+testing::Matcher<const std::string&> ReportsAtLast(const std::string& file, const std::string& call,
+                                                   DFBResult result)
+{
+    return IsReport(file, call, std::string(DirectFBErrorString(result)), false);
 }
 
 bool ExitsWith::operator()(int status) const
 {
-    return WIFEXITED(status) && WEXITSTATUS(status) == (static_cast<unsigned>(_result) & 0xff);
+    // A process ends with the low eight bits of what it ends with.
+    const int code = static_cast<int>(static_cast<unsigned>(_result) & 0xff);
+    return WIFEXITED(status) && WEXITSTATUS(status) == code;
 }
 
 } // namespace kestrin_test

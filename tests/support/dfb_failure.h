@@ -52,6 +52,10 @@ void FailCall(Interface* object, int successes = 0, DFBResult result = kInjected
 testing::Matcher<const std::string&> Reports(const std::string& file, const std::string& call,
                                              DFBResult result = kInjected);
 
+/** The same, after other lines. */
+testing::Matcher<const std::string&> ReportsAtLast(const std::string& file, const std::string& call,
+                                                   DFBResult result = kInjected);
+
 /** Holds for a process that DirectFB ended because of a result. */
 class ExitsWith
 {

@@ -3,7 +3,7 @@
 
 #include "picture_compare.h"
 #include "recording_surface.h"
-#include "started_engine.h"
+#include "engine_display.h"
 #include "surface_pixels.h"
 
 #include <ostream>
@@ -17,7 +17,7 @@ using kestrin_test::PixelsOf;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SamePicture;
 using kestrin_test::SetPixels;
-using kestrin_test::StartedEngine;
+using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color32Bit;
@@ -60,7 +60,7 @@ class CanvasFormat : public testing::TestWithParam<FormatCase>
 
 TEST_P(CanvasFormat, IsTheDisplaysWhateverTheColorMode)
 {
-    const StartedEngine engine(64, 48, GetParam().display);
+    const EngineDisplay engine(64, 48, GetParam().display);
     const PCanvas canvas = zelCreateCanvas(30, 20, GetParam().canvas);
     IDirectFBSurface* surface = SurfaceOf(canvas);
     DFBSurfacePixelFormat format = DSPF_UNKNOWN;
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, CanvasFormat,
 class CanvasTest : public testing::Test
 {
 protected:
-    StartedEngine _engine{64, 48};
+    EngineDisplay _engine{64, 48};
 };
 
 TEST_F(CanvasTest, IsCreatedWithoutAReference)
@@ -188,7 +188,7 @@ TEST_F(CanvasTest, CopyOfAViewReadsTheDisplay)
 class CanvasOn8Bit : public testing::Test
 {
 protected:
-    StartedEngine _engine{64, 48, Color8Bit};
+    EngineDisplay _engine{64, 48, Color8Bit};
 };
 
 TEST_F(CanvasOn8Bit, ClearTakesThePaletteIndexAndNoOpacity)
@@ -261,7 +261,7 @@ TEST_F(CanvasOn8Bit, ColoursChangedLaterFollow)
     EXPECT_EQ(color.g, 2);
     EXPECT_EQ(color.b, 3);
     view->Copy(0, 0, canvas, 0, 0, 4, 4);
-    EXPECT_EQ(_engine.display.Shot().At(2, 2), 0xff010203U);
+    EXPECT_EQ(_engine.Shot().At(2, 2), 0xff010203U);
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 
 #include <memory>
 #include <ostream>
-#include <regex>
+#include <string>
 
 #include <dlfcn.h>
 
@@ -158,10 +158,8 @@ TEST_F(Init, UninitialiseWritesOneLine)
     zelInitialize(320, 200, 32);
     testing::internal::CaptureStdout();
     zelUninitialize();
-    const std::string line = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(std::regex_match(
-        line, std::regex("Kestrin====>>>>, DFBUnInitialize:[0-9]+, initCount=0\n")))
-        << line;
+    EXPECT_THAT(testing::internal::GetCapturedStdout(),
+                testing::MatchesRegex("Kestrin====>>>>, DFBUnInitialize:[0-9]+, initCount=0\n"));
 }
 
 TEST_F(Init, CategoryIsCreatedOnce)

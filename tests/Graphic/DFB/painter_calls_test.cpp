@@ -4,7 +4,7 @@
 #include "DFB/canvas.h"
 #include "DFB/font.h"
 #include "recording_surface.h"
-#include "started_engine.h"
+#include "engine_display.h"
 
 #include <vector>
 
@@ -15,7 +15,7 @@ using kestrin_test::CallLog;
 using kestrin_test::CallRecorder;
 using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
-using kestrin_test::StartedEngine;
+using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -63,7 +63,7 @@ protected:
     CallLog Take() { return _recording.Take(); }
     Font* OwnFont() { return zelxxx::SideOf<Font>(static_cast<IFont*>(_font)); }
 
-    StartedEngine _engine;
+    EngineDisplay _engine;
     PCanvas _canvas;
     zelxxx::ZELObjPtr<zelxxx::IPainter> _painter;
     zelxxx::ZELObjPtr<IFont> _font;

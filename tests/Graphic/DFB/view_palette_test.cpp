@@ -3,7 +3,7 @@
 
 #include "call_recorder.h"
 #include "recording_surface.h"
-#include "started_engine.h"
+#include "engine_display.h"
 
 #include <cmath>
 #include <cstdint>
@@ -15,7 +15,7 @@ using kestrin_test::CallLog;
 using kestrin_test::CallRecorder;
 using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
-using kestrin_test::StartedEngine;
+using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color8Bit;
@@ -53,9 +53,9 @@ std::uint32_t Scaled(int channel, int factor)
 class ViewPalette : public testing::Test
 {
 protected:
-    std::uint32_t Shown(int index) { return _engine.display.Facts().palette[index]; }
+    std::uint32_t Shown(int index) { return _engine.Display().Facts().palette[index]; }
 
-    StartedEngine _engine{64, 48, Color8Bit};
+    EngineDisplay _engine{64, 48, Color8Bit};
     PView _view = zelxxx::zelCreateView(0, 64, 48, Color8Bit, false);
     Colors _colors;
     PPalette _palette = zelxxx::zelCreatePalette(_colors.entries);
@@ -79,7 +79,7 @@ TEST_P(ViewPaletteFactors, ScaleEveryEntryOfTheDisplay)
 {
     const Factors f = GetParam();
     _view->SetPalette(_palette, f.brightness, f.opaque, f.transparent);
-    const kestrin_display::LayerFacts facts = _engine.display.Facts();
+    const kestrin_display::LayerFacts facts = _engine.Display().Facts();
     for (int i = 0; i < 256; ++i) {
         const PaletteEntry& entry = _colors.entries[i];
         const std::uint32_t alpha =
@@ -151,7 +151,7 @@ TEST_F(ViewPalette, EntryBeforeALoadedPaletteDoesNothing)
 TEST_F(ViewPalette, EntryAfterALoadedPaletteChangesOneColour)
 {
     _view->SetPalette(_palette, 256, 256, 256);
-    const kestrin_display::LayerFacts before = _engine.display.Facts();
+    const kestrin_display::LayerFacts before = _engine.Display().Facts();
     CallLog log;
     {
         CallRecorder<IDirectFBPalette> recording(View::_palette, log);
@@ -159,7 +159,7 @@ TEST_F(ViewPalette, EntryAfterALoadedPaletteChangesOneColour)
         _view->SetPaletteEntry(7, 1, 2, 3, 4);
     }
     EXPECT_THAT(log, ElementsAre("SetEntries([4 1 2 3], 1, 7)"));
-    const kestrin_display::LayerFacts after = _engine.display.Facts();
+    const kestrin_display::LayerFacts after = _engine.Display().Facts();
     for (int i = 0; i < 256; ++i)
         EXPECT_EQ(after.palette[i], i == 7 ? 0x04010203U : before.palette[i]) << i;
 }

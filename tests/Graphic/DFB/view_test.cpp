@@ -4,7 +4,7 @@
 #include "call_recorder.h"
 #include "picture_compare.h"
 #include "recording_surface.h"
-#include "started_engine.h"
+#include "engine_display.h"
 #include "surface_pixels.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SamePicture;
 using kestrin_test::SetPixels;
-using kestrin_test::StartedEngine;
+using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color32Bit;
@@ -84,7 +84,7 @@ TEST(ViewBeforeTheStart, PaletteIsRecordedWithoutADisplay)
 class ViewTest : public testing::Test
 {
 protected:
-    StartedEngine _engine{64, 48};
+    EngineDisplay _engine{64, 48};
     PView _view = zelCreateView(0, 64, 48, Color32Bit, false);
 };
 
@@ -99,7 +99,7 @@ TEST_F(ViewTest, ClearIgnoresTheRectangleAndReadsRedFromTheLowestByte)
 {
     _view->Clear(10, 10, 5, 5, 0x00112233, 0x80);
     _view->Flip();
-    EXPECT_TRUE(SamePicture(_engine.display.Shot(), ArgbImage(64, 48, 0x80332211)));
+    EXPECT_TRUE(SamePicture(_engine.Shot(), ArgbImage(64, 48, 0x80332211)));
 }
 
 TEST_F(ViewTest, ClearIsOneCall)
@@ -113,10 +113,10 @@ TEST_F(ViewTest, HideAndShowSwitchTheLayersOpacity)
 {
     _view->Hide();
     Flip();
-    EXPECT_EQ(_engine.display.Facts().opacity, 0U);
+    EXPECT_EQ(_engine.Display().Facts().opacity, 0U);
     _view->Show(1, 2, 3, 4);
     Flip();
-    EXPECT_EQ(_engine.display.Facts().opacity, 255U);
+    EXPECT_EQ(_engine.Display().Facts().opacity, 255U);
 }
 
 TEST_F(ViewTest, ShowAndHideAreOneLayerCallEach)
@@ -132,9 +132,9 @@ TEST_F(ViewTest, ShowAndHideAreOneLayerCallEach)
 
 TEST_F(ViewTest, FlipShowsThePictureOnce)
 {
-    const auto before = _engine.display.Facts().update_count;
+    const auto before = _engine.Display().Facts().update_count;
     _view->Flip();
-    EXPECT_EQ(_engine.display.Facts().update_count, before + 1);
+    EXPECT_EQ(_engine.Display().Facts().update_count, before + 1);
 }
 
 TEST_F(ViewTest, FlipPassesNoRegionAndNoFlags)
@@ -166,7 +166,7 @@ TEST_F(ViewTest, CopyPresentsARectangleAtItsPlace)
         for (int x = 30; x < 38; ++x)
             expected.At(x, y) = x == 30 ? 0xff0000ff : 0x9000ff00;
     }
-    EXPECT_TRUE(SamePicture(_engine.display.Shot(), expected));
+    EXPECT_TRUE(SamePicture(_engine.Shot(), expected));
 }
 
 TEST_F(ViewTest, CopyBlitsAndFlips)
@@ -227,7 +227,7 @@ TEST_F(ViewTest, DestroyingAViewLeavesTheDisplay)
     _view = nullptr;
     EXPECT_EQ(View::_primary, primary);
     Flip();
-    EXPECT_EQ(_engine.display.Facts().shown, 1U);
+    EXPECT_EQ(_engine.Display().Facts().shown, 1U);
 }
 
 // ---- Waiting for the layer
@@ -273,7 +273,7 @@ protected:
         subtitles->FillRectangle(subtitles, x, y, w, h);
     }
 
-    StartedEngine _engine{kWidth, kHeight};
+    EngineDisplay _engine{kWidth, kHeight};
     PView _view = zelCreateView(0, kWidth, kHeight, Color32Bit, false);
     PCanvas _back = zelCreateCanvas(kWidth, kHeight, Color32Bit);
 };
@@ -284,7 +284,7 @@ TEST_F(ViewSubtitles, ShowThroughWhereTheFrameIsTransparent)
     _back->Clear(0, 0, kWidth, kHeight, 0, 0);
     _back->Clear(0, 0, 640, 720, 0xff0000, 255);
     _view->Copy(0, 0, _back, 0, 0, kWidth, kHeight);
-    const ArgbImage shot = _engine.display.Shot();
+    const ArgbImage shot = _engine.Shot();
     EXPECT_TRUE(AreaHasColor(shot, 0, 0, 640, 720, 0xffff0000));
     EXPECT_TRUE(AreaHasColor(shot, 640, 0, 1280, 720, 0xff00c800));
 }
@@ -294,7 +294,7 @@ TEST_F(ViewSubtitles, AreStretchedToTheFrame)
     FillSubtitles(255, 0, 0, 200, 360, 288, 360, 288);
     _back->Clear(0, 0, kWidth, kHeight, 0, 0);
     _view->Copy(0, 0, _back, 0, 0, kWidth, kHeight);
-    const ArgbImage shot = _engine.display.Shot();
+    const ArgbImage shot = _engine.Shot();
     EXPECT_TRUE(AreaHasColor(shot, 641, 361, 1280, 720, 0xff0000c8));
     EXPECT_TRUE(AreaHasColor(shot, 0, 0, 639, 720, 0));
     EXPECT_TRUE(AreaHasColor(shot, 0, 0, 1280, 359, 0));
@@ -306,7 +306,7 @@ TEST_F(ViewSubtitles, LieUnderATranslucentFrame)
     _back->Clear(0, 0, kWidth, kHeight, 0x400000, 128);
     _view->Copy(0, 0, _back, 0, 0, kWidth, kHeight);
     // Destination over source: the frame's red as it is, the subtitles by what alpha leaves them.
-    const std::uint32_t pixel = _engine.display.Shot().At(600, 300);
+    const std::uint32_t pixel = _engine.Shot().At(600, 300);
     EXPECT_GE(pixel >> 24, 254U);
     EXPECT_EQ(pixel >> 16 & 0xff, 0x40U);
     EXPECT_NEAR(static_cast<double>(pixel >> 8 & 0xff), 200 * 127 / 255.0, 1.0);
@@ -319,7 +319,7 @@ TEST_F(ViewSubtitles, FirstFrameShowsNothingUnder)
     frame.At(1279, 719) = 0x01ffffff;
     SetPixels(SurfaceOf(_back), frame);
     _view->Copy(0, 0, _back, 0, 0, kWidth, kHeight);
-    EXPECT_TRUE(SamePicture(_engine.display.Shot(), frame));
+    EXPECT_TRUE(SamePicture(_engine.Shot(), frame));
 }
 
 TEST_F(ViewSubtitles, IgnoreTheClipAPainterLeft)
@@ -329,7 +329,7 @@ TEST_F(ViewSubtitles, IgnoreTheClipAPainterLeft)
     const DFBRegion clip = {0, 0, 99, 99};
     SurfaceOf(_back)->SetClip(SurfaceOf(_back), &clip);
     _view->Copy(0, 0, _back, 0, 0, kWidth, kHeight);
-    EXPECT_TRUE(AreaHasColor(_engine.display.Shot(), 0, 0, 1280, 720, 0xff00c800));
+    EXPECT_TRUE(AreaHasColor(_engine.Shot(), 0, 0, 1280, 720, 0xff00c800));
 }
 
 TEST_F(ViewSubtitles, AnyOtherSizeHasNone)
@@ -342,7 +342,7 @@ TEST_F(ViewSubtitles, AnyOtherSizeHasNone)
     _view->Copy(0, 0, _back, 0, 0, 1279, 720);
     _view->Copy(0, 0, _back, 0, 0, 720, 576);
     EXPECT_THAT(recording.Calls(), IsEmpty());
-    EXPECT_TRUE(AreaHasColor(_engine.display.Shot(), 0, 0, 1280, 720, 0));
+    EXPECT_TRUE(AreaHasColor(_engine.Shot(), 0, 0, 1280, 720, 0));
 }
 
 TEST_F(ViewSubtitles, CompositingLeavesTheDestinationOverRule)
