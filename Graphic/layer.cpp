@@ -39,7 +39,12 @@ Layer::~Layer()
     for (WidgetBase* child = Widgets.GetFirstElement(); child; child = child->GetNextElement()) {
         child->DestroyModified();
         child->SetScene(nullptr);
-        child->ParentLayer = nullptr;
+        child->SetParentLayer(nullptr);
+    }
+    while (!Strays.empty()) {
+        WidgetBase* stray = Strays.back();
+        stray->SetScene(nullptr);
+        stray->SetParentLayer(nullptr);
     }
     Widgets.ReleaseElements();
 }
@@ -312,7 +317,7 @@ bool Layer::Place(WidgetBase* widget, WidgetBase* destination, WidgetInstertPosi
 void Layer::Adopt(WidgetBase* widget)
 {
     widget->Existence = 0;
-    widget->ParentLayer = this;
+    widget->SetParentLayer(this);
     widget->SetScene(ParentScene);
     if (Modifiers.GetFirstElement())
         widget->CreateModified();
@@ -329,7 +334,7 @@ void Layer::RemoveWidget(IWidget* widget)
     }
     if (!base || base->GetCollection() != &Widgets)
         return;
-    base->ParentLayer = nullptr;
+    base->SetParentLayer(nullptr);
     Widgets.RemoveElement(base);
 }
 

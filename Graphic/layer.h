@@ -3,6 +3,8 @@
 
 #include "twidget.h"
 
+#include <vector>
+
 namespace zelxxx {
 
 class Layer : public WidgetTemplate<ILayer, Layer>
@@ -49,6 +51,11 @@ public:
     BlendValue LayerBlend; /**< 0 when hidden */
 
     WidgetCollection Widgets;
+    /**
+     * Widgets that were inserted at no known position: they take this layer for theirs without
+     * standing in its list. Not held; they come and go with the layer's scene.
+     */
+    std::vector<WidgetBase*> Strays;
     Layer* Original; /**< of a modified copy: the layer whose children are meant */
 
 private:

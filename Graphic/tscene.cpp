@@ -67,12 +67,10 @@ Scene::~Scene()
 
     // The widgets leave while the dirty manager still takes their reports, and nobody who holds the
     // root or a widget is left with a pointer to this scene.
+    // The root is in no paint list, so it does not leave one.
     Layer* root = Root();
-    DetachStrays(root);
-    for (WidgetBase* child = root->Widgets.GetFirstElement(); child;
-         child = child->GetNextElement())
-        child->SetScene(nullptr);
     root->ParentScene = nullptr;
+    root->SetScene(nullptr);
     _root = nullptr;
 }
 
@@ -177,8 +175,6 @@ void Scene::RemoveWidget(WidgetBase* widget)
 {
     _dirty_manager->Add(widget->DirtyShown);
     UnlinkWidget(widget);
-    if (widget->IsLayer)
-        DetachStrays(widget);
 }
 
 void Scene::SortWidget(WidgetBase* widget)
@@ -382,24 +378,6 @@ void Scene::UnlinkWidget(WidgetBase* widget)
     (widget->Next ? widget->Next->Prev : _widget_list_tail) = widget->Prev;
     widget->Prev = nullptr;
     widget->Next = nullptr;
-}
-
-/**
- * A widget that was inserted at no known position takes itself for a child of its layer without
- * standing in its list. It leaves the scene with the layer.
- */
-void Scene::DetachStrays(const WidgetBase* layer)
-{
-    WidgetBase* widget = _widget_list_head;
-    while (widget) {
-        if (widget->ParentLayer == layer && !widget->GetCollection()) {
-            widget->SetScene(nullptr);
-            widget->ParentLayer = nullptr;
-            widget = _widget_list_head; // a layer takes others along
-        } else {
-            widget = widget->Next;
-        }
-    }
 }
 
 } // namespace zelxxx

@@ -93,7 +93,6 @@ private:
     DirtyRect InTile(const DirtyRect& rect) const;
     void LinkWidgetAfter(WidgetBase* widget, WidgetBase* previous);
     void UnlinkWidget(WidgetBase* widget);
-    void DetachStrays(const WidgetBase* layer);
     Layer* Root() const { return SideOf<Layer>(static_cast<ILayer*>(_root)); }
 
     PView _view;

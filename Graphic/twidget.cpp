@@ -42,8 +42,8 @@ WidgetBase::~WidgetBase()
 {
     if (ParentScene)
         ParentScene->RemoveWidget(this);
-    if (Modified)
-        Modified->Release();
+    SetParentLayer(nullptr);
+    ReleaseModified();
     for (ModifierBase* modifier = Modifiers.GetFirstElement(); modifier;
          modifier = modifier->GetNextElement())
         modifier->Widget = nullptr;
@@ -212,8 +212,17 @@ void WidgetBase::CreateModified()
 
 void WidgetBase::DestroyModified()
 {
-    if (!Modified || Modifiers.GetFirstElement())
+    if (!Modifiers.GetFirstElement())
+        ReleaseModified();
+}
+
+void WidgetBase::ReleaseModified()
+{
+    if (!Modified)
         return;
+    // A modifier may have held the copy; it must not look for this widget's children any more.
+    if (Modified->IsLayer)
+        static_cast<Layer*>(Modified)->Original = nullptr;
     Modified->Release();
     Modified = nullptr;
 }
@@ -231,9 +240,23 @@ void WidgetBase::SetScene(Scene* scene)
     }
     if (!IsLayer)
         return;
-    for (WidgetBase* child = static_cast<Layer*>(this)->Widgets.GetFirstElement(); child;
+    const Layer* layer = static_cast<Layer*>(this);
+    for (WidgetBase* child = layer->Widgets.GetFirstElement(); child;
          child = child->GetNextElement())
         child->SetScene(scene);
+    for (WidgetBase* stray : layer->Strays)
+        stray->SetScene(scene);
+}
+
+void WidgetBase::SetParentLayer(Layer* layer)
+{
+    if (ParentLayer) {
+        auto& strays = ParentLayer->Strays;
+        strays.erase(std::remove(strays.begin(), strays.end(), this), strays.end());
+    }
+    ParentLayer = layer;
+    if (layer && GetCollection() != &layer->Widgets)
+        layer->Strays.push_back(this);
 }
 
 void WidgetBase::AnchorX(MetricValue delta)
@@ -284,7 +307,8 @@ void WidgetBase::Modify()
 
 void WidgetBase::Sort()
 {
-    if (ParentLayer) {
+    // The root has no layer; a child that takes another layer for its own may have no scene.
+    if (ParentLayer && ParentScene) {
         const MetricValue depth = Wrap(ParentLayer->ZOrder + Effective()->PosZ);
         const MetricValue sequence = ParentScene->CurrentTOrder;
         ParentScene->CurrentTOrder = Wrap(sequence + 1);
@@ -324,7 +348,7 @@ bool WidgetBase::Kill()
     ParentLayer->Widgets.RemoveElement(this);
     DestroyModified();
     SetScene(nullptr);
-    ParentLayer = nullptr;
+    SetParentLayer(nullptr);
     Release();
     return true;
 }

@@ -71,6 +71,8 @@ public:
 
     /** Puts the widget, and a layer's children with it, into a scene's paint list, or into none. */
     void SetScene(Scene* scene);
+    /** Takes a layer for the widget's own, or none. A layer that goes is taken back. */
+    void SetParentLayer(Layer* layer);
 
     /** Follows a change of the parent layer's span. The caller marks the widget. */
     void AnchorX(MetricValue delta);
@@ -114,6 +116,7 @@ public:
     ModifierCollection Modifiers;
 
 private:
+    void ReleaseModified();
     void Mark(State state);
     void DirtyFaded();
     void DirtyScaled();

@@ -158,6 +158,48 @@ TEST_F(SceneLifetime, WidgetAtAnUnknownPositionLeavesWithItsLayer)
     Use(stray);
 }
 
+TEST_F(SceneLifetime, WidgetAtAnUnknownPositionForgetsALayerThatEndsBesideItsOwn)
+{
+    {
+        PLayer other = MakeLayer();
+        other->InsertWidget(red, nullptr, static_cast<WidgetInstertPosition>(16));
+        EXPECT_EQ(red->GetLayer(), static_cast<ILayer*>(other));
+        Repainted(); // with a widget in its list that is in no scene
+    }
+    // It still stands in the list of the first layer, which takes it into scenes.
+    EXPECT_EQ(red->GetLayer(), nullptr);
+    Repainted();
+    layer->AddWidget(red);
+    EXPECT_EQ(Repainted().At(13, 13), Shown(kRed));
+}
+
+TEST_F(SceneLifetime, WidgetAtAnUnknownPositionMayEndBeforeTheLayer)
+{
+    {
+        ZELObjPtr<IWidget> stray = MakeRectangle(10, 10, 8, 8, kRed);
+        layer->InsertWidget(stray, nullptr, static_cast<WidgetInstertPosition>(16));
+        Repainted();
+    }
+    layer->RemoveWidget(red);
+    EXPECT_EQ(Repainted().At(13, 13), kGrey);
+    layer = nullptr;
+}
+
+TEST_F(SceneLifetime, CopyOfALayerThatAModifierHoldsForgetsTheLayer)
+{
+    PLayer inner = MakeLayer();
+    layer->AddWidget(inner);
+    ZELObjPtr<IWidget> copy;
+    layer->AddModifier(new TestModifier([&copy](IWidget* widget) { copy = widget; }));
+    Repainted();
+    ASSERT_NE(static_cast<IWidget*>(copy), nullptr);
+    layer->RemoveWidget(inner);
+    Repainted();
+    inner = nullptr;
+    copy->SetAttribute(AttrPosX, 3); // marks the children of no layer
+    EXPECT_EQ(copy->GetAttribute(AttrPosX), 3);
+}
+
 TEST_F(SceneLifetime, SceneMayEndBetweenOthers)
 {
     auto make = [] {
