@@ -1,9 +1,9 @@
 /** Off-screen canvases: their format, clearing and copying. */
 #include "DFB/canvas.h"
 
+#include "engine_display.h"
 #include "picture_compare.h"
 #include "recording_surface.h"
-#include "engine_display.h"
 #include "surface_pixels.h"
 
 #include <ostream>
@@ -12,12 +12,12 @@
 #include <gtest/gtest.h>
 
 using kestrin_display::ArgbImage;
+using kestrin_test::EngineDisplay;
 using kestrin_test::NameInLogs;
 using kestrin_test::PixelsOf;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SamePicture;
 using kestrin_test::SetPixels;
-using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color32Bit;

@@ -3,8 +3,8 @@
 
 #include "DFB/canvas.h"
 #include "DFB/font.h"
-#include "recording_surface.h"
 #include "engine_display.h"
+#include "recording_surface.h"
 
 #include <vector>
 
@@ -13,9 +13,9 @@
 
 using kestrin_test::CallLog;
 using kestrin_test::CallRecorder;
+using kestrin_test::EngineDisplay;
 using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
-using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;

@@ -2,8 +2,8 @@
 #include "DFB/view.h"
 
 #include "call_recorder.h"
-#include "recording_surface.h"
 #include "engine_display.h"
+#include "recording_surface.h"
 
 #include <cmath>
 #include <cstdint>
@@ -13,9 +13,9 @@
 
 using kestrin_test::CallLog;
 using kestrin_test::CallRecorder;
+using kestrin_test::EngineDisplay;
 using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
-using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color8Bit;

@@ -2,9 +2,9 @@
 #include "DFB/view.h"
 
 #include "call_recorder.h"
+#include "engine_display.h"
 #include "picture_compare.h"
 #include "recording_surface.h"
-#include "engine_display.h"
 #include "surface_pixels.h"
 
 #include <algorithm>
@@ -16,11 +16,11 @@ using kestrin_display::ArgbImage;
 using kestrin_test::AreaHasColor;
 using kestrin_test::CallLog;
 using kestrin_test::CallRecorder;
+using kestrin_test::EngineDisplay;
 using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SamePicture;
 using kestrin_test::SetPixels;
-using kestrin_test::EngineDisplay;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color32Bit;
