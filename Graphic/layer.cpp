@@ -122,38 +122,26 @@ void Layer::SetAttribute(AttrIndex index, AttrValue value)
 {
     switch (index) {
     case AttrPosX:
-        PosX = Wrap(value);
-        SetMoved();
-        SetChildMoved();
-        break;
     case AttrPosY:
-        PosY = Wrap(value);
-        SetMoved();
+    case AttrOriginX:
+    case AttrOriginY:
+        SetCommonAttribute(index, value);
         SetChildMoved();
         break;
     case AttrPosZ:
-        PosZ = Wrap(value);
-        SetReordered();
+        SetCommonAttribute(index, value);
         SetChildReordered();
         break;
     case AttrSpanX:
-        SetSpanX(Wrap(value));
-        SetMoved();
+        if (_enable_anchors)
+            AnchorChildX(Wrap(Wrap(value) - SpanX));
+        SetCommonAttribute(index, value);
         SetChildMoved();
         break;
     case AttrSpanY:
-        SetSpanY(Wrap(value));
-        SetMoved();
-        SetChildMoved();
-        break;
-    case AttrOriginX:
-        OriginX = Wrap(value);
-        SetMoved();
-        SetChildMoved();
-        break;
-    case AttrOriginY:
-        OriginY = Wrap(value);
-        SetMoved();
+        if (_enable_anchors)
+            AnchorChildY(Wrap(Wrap(value) - SpanY));
+        SetCommonAttribute(index, value);
         SetChildMoved();
         break;
     case AttrScaleX: // the layer itself is not marked: only its content is scaled
@@ -173,33 +161,20 @@ void Layer::SetAttribute(AttrIndex index, AttrValue value)
         SetChildMoved();
         break;
     case AttrClipLeft:
-        _clip_left = Wrap(value);
-        SetMoved();
-        SetChildMoved();
+        SetClipEdge(_clip_left, value);
         break;
     case AttrClipTop:
-        _clip_top = Wrap(value);
-        SetMoved();
-        SetChildMoved();
+        SetClipEdge(_clip_top, value);
         break;
     case AttrClipRight:
-        _clip_right = Wrap(value);
-        SetMoved();
-        SetChildMoved();
+        SetClipEdge(_clip_right, value);
         break;
     case AttrClipBottom:
-        _clip_bottom = Wrap(value);
-        SetMoved();
-        SetChildMoved();
+        SetClipEdge(_clip_bottom, value);
         break;
     case AttrBlend:
-        Blend = static_cast<BlendValue>(value);
-        SetFaded();
+        SetCommonAttribute(index, value);
         SetChildFaded();
-        break;
-    case AttrBlendMode:
-        BlendingMode = static_cast<BlendModeValue>(value);
-        SetFaded();
         break;
     case AttrBkgndColor:
         _bkgnd_color = static_cast<ColorValue>(value);
@@ -210,6 +185,7 @@ void Layer::SetAttribute(AttrIndex index, AttrValue value)
         SetChanged();
         break;
     default:
+        SetCommonAttribute(index, value);
         break;
     }
 }
@@ -217,38 +193,16 @@ void Layer::SetAttribute(AttrIndex index, AttrValue value)
 AttrValue Layer::GetAttribute(AttrIndex index)
 {
     switch (index) {
-    case AttrPosX:
-        return PosX;
-    case AttrPosY:
-        return PosY;
-    case AttrPosZ:
-        return PosZ;
-    case AttrSpanX:
-        return SpanX;
-    case AttrSpanY:
-        return SpanY;
-    case AttrOriginX:
-        return OriginX;
-    case AttrOriginY:
-        return OriginY;
-    case AttrScaleX:
-        return ScaleX;
-    case AttrScaleY:
-        return ScaleY;
     case AttrScrollX:
         return _scroll_x;
     case AttrScrollY:
         return _scroll_y;
-    case AttrBlend:
-        return Blend;
-    case AttrBlendMode:
-        return BlendingMode;
     case AttrBkgndColor:
         return static_cast<AttrValue>(_bkgnd_color);
     case AttrBkgndBlend:
         return _bkgnd_blend;
-    default: // the clip edges, too, are not readable
-        return 0;
+    default: // the clip edges are not readable
+        return GetCommonAttribute(index);
     }
 }
 
@@ -411,18 +365,11 @@ void Layer::AnchorChildY(MetricValue delta)
         child->AnchorY(delta);
 }
 
-void Layer::SetSpanX(MetricValue span)
+void Layer::SetClipEdge(MetricValue& edge, AttrValue value)
 {
-    if (span != SpanX && _enable_anchors)
-        AnchorChildX(Wrap(span - SpanX));
-    SpanX = span;
-}
-
-void Layer::SetSpanY(MetricValue span)
-{
-    if (span != SpanY && _enable_anchors)
-        AnchorChildY(Wrap(span - SpanY));
-    SpanY = span;
+    edge = Wrap(value);
+    SetMoved();
+    SetChildMoved();
 }
 
 void Layer::SetChildScaled()

@@ -64,8 +64,7 @@ private:
     void MarkChildren();
     void Adopt(WidgetBase* widget);
     bool Place(WidgetBase* widget, WidgetBase* destination, WidgetInstertPosition position);
-    void SetSpanX(MetricValue span);
-    void SetSpanY(MetricValue span);
+    void SetClipEdge(MetricValue& edge, AttrValue value);
 
     MetricValue _clip_left, _clip_top;     /**< relative to the left and top edge */
     MetricValue _clip_right, _clip_bottom; /**< relative to the scaled right and bottom edge */

@@ -239,61 +239,17 @@ void Text::SetAttribute(AttrIndex index, AttrValue value)
     // Before the index is looked at: one that is not answered lays the text out anew, too.
     _formater_need_process = true;
     switch (index) {
-    case AttrPosX:
-        PosX = static_cast<MetricValue>(value);
-        SetMoved();
-        break;
-    case AttrPosY:
-        PosY = static_cast<MetricValue>(value);
-        SetMoved();
-        break;
-    case AttrPosZ:
-        PosZ = static_cast<MetricValue>(value);
-        SetReordered();
-        break;
-    case AttrSpanX:
-        SpanX = static_cast<MetricValue>(value);
-        SetMoved();
-        break;
     case AttrOrgSpanX:
         OrgSpanX = static_cast<MetricValue>(value);
-        SetMoved();
-        break;
-    case AttrSpanY:
-        SpanY = static_cast<MetricValue>(value);
         SetMoved();
         break;
     case AttrOrgSpanY:
         OrgSpanY = static_cast<MetricValue>(value);
         SetMoved();
         break;
-    case AttrOriginX:
-        OriginX = static_cast<MetricValue>(value);
-        SetMoved();
-        break;
-    case AttrOriginY:
-        OriginY = static_cast<MetricValue>(value);
-        SetMoved();
-        break;
-    case AttrScaleX:
-        SetScaled();
-        ScaleX = static_cast<RatioValue>(value);
-        break;
-    case AttrScaleY:
-        SetScaled();
-        ScaleY = static_cast<RatioValue>(value);
-        break;
     case AttrColor:
         _color = static_cast<ColorValue>(value);
         SetChanged();
-        break;
-    case AttrBlend:
-        Blend = static_cast<BlendValue>(value);
-        SetFaded();
-        break;
-    case AttrBlendMode:
-        BlendingMode = static_cast<BlendModeValue>(value);
-        SetFaded();
         break;
     case AttrFontIndex:
         _font_index = static_cast<ResIndex>(value);
@@ -336,6 +292,7 @@ void Text::SetAttribute(AttrIndex index, AttrValue value)
         SetChanged();
         break;
     default:
+        SetCommonAttribute(index, value);
         break;
     }
 }
@@ -343,34 +300,12 @@ void Text::SetAttribute(AttrIndex index, AttrValue value)
 AttrValue Text::GetAttribute(AttrIndex index)
 {
     switch (index) {
-    case AttrPosX:
-        return PosX;
-    case AttrPosY:
-        return PosY;
-    case AttrPosZ:
-        return PosZ;
-    case AttrSpanX:
-        return SpanX;
     case AttrOrgSpanX:
         return OrgSpanX;
-    case AttrSpanY:
-        return SpanY;
     case AttrOrgSpanY:
         return OrgSpanY;
-    case AttrOriginX:
-        return OriginX;
-    case AttrOriginY:
-        return OriginY;
-    case AttrScaleX:
-        return ScaleX;
-    case AttrScaleY:
-        return ScaleY;
     case AttrColor:
         return static_cast<AttrValue>(_color);
-    case AttrBlend:
-        return Blend;
-    case AttrBlendMode:
-        return BlendingMode;
     case AttrFontIndex:
         return _font_index;
     case AttrFontSize:
@@ -392,7 +327,7 @@ AttrValue Text::GetAttribute(AttrIndex index)
     case AttrLetterSpace:
         return _letter_space;
     default:
-        return 0;
+        return GetCommonAttribute(index);
     }
 }
 

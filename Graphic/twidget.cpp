@@ -353,7 +353,7 @@ bool WidgetBase::Kill()
     return true;
 }
 
-void Widget::SetAttribute(AttrIndex index, AttrValue value)
+void WidgetBase::SetCommonAttribute(AttrIndex index, AttrValue value)
 {
     switch (index) {
     case AttrPosX:
@@ -405,7 +405,7 @@ void Widget::SetAttribute(AttrIndex index, AttrValue value)
     }
 }
 
-AttrValue Widget::GetAttribute(AttrIndex index)
+AttrValue WidgetBase::GetCommonAttribute(AttrIndex index) const
 {
     switch (index) {
     case AttrPosX:

@@ -74,6 +74,11 @@ public:
     /** Takes a layer for the widget's own, or none. A layer that goes is taken back. */
     void SetParentLayer(Layer* layer);
 
+    /** Stores an attribute that every widget answers, and marks the widget; ignores all others. */
+    void SetCommonAttribute(AttrIndex index, AttrValue value);
+    /** Reads an attribute that every widget answers; 0 for all others. */
+    AttrValue GetCommonAttribute(AttrIndex index) const;
+
     /** Follows a change of the parent layer's span. The caller marks the widget. */
     void AnchorX(MetricValue delta);
     void AnchorY(MetricValue delta);
@@ -160,8 +165,11 @@ public:
 class Widget : public WidgetTemplate<IWidget, Widget>
 {
 public:
-    void SetAttribute(AttrIndex index, AttrValue value) override;
-    AttrValue GetAttribute(AttrIndex index) override;
+    void SetAttribute(AttrIndex index, AttrValue value) override
+    {
+        SetCommonAttribute(index, value);
+    }
+    AttrValue GetAttribute(AttrIndex index) override { return GetCommonAttribute(index); }
 };
 
 /** The layer a widget is in, as its interface. */

@@ -341,7 +341,11 @@ public:
     virtual ColorMode GetColorMode() = 0;
     /** The mode of operations that follow the painter's mode; BlendSrcOver at first. */
     virtual void SetBlendMode(BlendMode blend_mode) = 0;
-    /** Draws `length` glyphs, given by glyph index, with a DirectFB font, without kerning. */
+    /**
+     * Draws `length` values of `str` with a DirectFB font, without kerning. Each is handed to
+     * DirectFB as a glyph index; the FreeType provider of DirectFB 1.7 takes it for a character
+     * code.
+     */
     virtual void DrawString(PtrConstWChar str, UInt32 length, MetricValue left, MetricValue top,
                             IFont* font, UInt16 font_size, FontStyle font_style, ColorValue color,
                             BlendValue blend, BlendMode blend_mode, UInt32 font_scaler) = 0;
