@@ -3,12 +3,11 @@
 #pragma once
 
 #include "DFB/font.h"
+#include "test_font.h"
 #include "tscene.h"
 #include "ttext.h"
 
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,18 +17,6 @@
 namespace kestrin_test {
 
 using namespace zelxxx;
-
-inline const std::string kSans = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-
-/** The bytes of a font file; they live as long as the process. */
-inline const std::string& SansBytes()
-{
-    static const std::string bytes = [] {
-        std::ifstream file(kSans, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-    }();
-    return bytes;
-}
 
 inline IResource* OpenSans()
 {

@@ -4,6 +4,7 @@
 #include "engine_display.h"
 #include "picture_compare.h"
 #include "recording_surface.h"
+#include "surface_of.h"
 #include "surface_pixels.h"
 
 #include <ostream>
@@ -18,6 +19,7 @@ using kestrin_test::PixelsOf;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SamePicture;
 using kestrin_test::SetPixels;
+using kestrin_test::SurfaceOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color32Bit;
@@ -28,11 +30,6 @@ using zelxxx::View;
 using zelxxx::zelCreateCanvas;
 
 namespace {
-
-IDirectFBSurface* SurfaceOf(zelxxx::ICanvas* canvas)
-{
-    return zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
-}
 
 /** A picture with a different value in every pixel. */
 ArgbImage Ramp(int width, int height, std::uint32_t first)

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "DFB/font.h"
+#include "test_font.h"
 #include "vrel_debug.h"
 
 #include <climits>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -16,16 +15,6 @@
 namespace kestrin_test {
 
 using namespace zelxxx;
-
-inline const std::string kSans = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-inline const std::string kSerif = "/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf";
-inline const std::string kScreen = "/usr/share/fonts/truetype/tiresias/tiresias_infofont.ttf";
-
-inline std::string BytesOf(const std::string& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 using PFont = ZELObjPtr<Font>;
 

@@ -5,6 +5,8 @@
 #include "DFB/font.h"
 #include "engine_display.h"
 #include "recording_surface.h"
+#include "surface_of.h"
+#include "test_font.h"
 
 #include <vector>
 
@@ -16,6 +18,7 @@ using kestrin_test::CallRecorder;
 using kestrin_test::EngineDisplay;
 using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
+using kestrin_test::SurfaceOf;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -40,13 +43,7 @@ using zelxxx::zelCreatePainter;
 
 namespace {
 
-constexpr char kFontFile[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 constexpr zelxxx::ColorValue kColor = 0xaa332211; // red 0x11, green 0x22, blue 0x33
-
-IDirectFBSurface* SurfaceOf(zelxxx::ICanvas* canvas)
-{
-    return zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
-}
 
 /** A painter on a canvas whose calls are recorded. */
 class PainterCalls : public testing::Test
@@ -54,7 +51,7 @@ class PainterCalls : public testing::Test
 protected:
     explicit PainterCalls(ColorMode mode = Color32Bit)
         : _engine(64, 48, mode), _canvas(zelxxx::zelCreateCanvas(40, 30, mode)),
-          _painter(zelCreatePainter(_canvas)), _font(new Font(kFontFile)),
+          _painter(zelCreatePainter(_canvas)), _font(new Font(kestrin_test::kSans.c_str())),
           _recording(SurfaceOf(_canvas))
     {
     }

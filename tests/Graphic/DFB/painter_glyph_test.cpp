@@ -6,6 +6,7 @@
 #include "picture_compare.h"
 #include "recording_surface.h"
 #include "surface_pixels.h"
+#include "test_font.h"
 
 #include <algorithm>
 #include <vector>
@@ -42,7 +43,6 @@ using zelxxx::zelCreatePainter;
 
 namespace {
 
-constexpr char kFontFile[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 constexpr int kSide = 200;
 constexpr zelxxx::UInt16 kSize = 16;
 
@@ -65,7 +65,7 @@ class PainterGlyph : public testing::Test
 protected:
     explicit PainterGlyph(ColorMode mode = Color32Bit, std::uint32_t ground = 0xff000000)
         : _engine(64, 48, mode), _canvas(zelxxx::zelCreateCanvas(kSide, kSide, mode)),
-          _painter(zelCreatePainter(_canvas)), _font(new Font(kFontFile)),
+          _painter(zelCreatePainter(_canvas)), _font(new Font(kestrin_test::kSans.c_str())),
           _expected(kSide, kSide, ground)
     {
         SetPixels(Surface(), _expected);

@@ -4,6 +4,7 @@
 #include "engine_display.h"
 #include "picture_compare.h"
 #include "seeded_random.h"
+#include "surface_of.h"
 #include "surface_pixels.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ using kestrin_test::PixelsOf;
 using kestrin_test::SamePicture;
 using kestrin_test::SeededRandom;
 using kestrin_test::SetPixels;
+using kestrin_test::SurfaceOf;
 using zelxxx::BlendSrcCopy;
 using zelxxx::BlendSrcOver;
 using zelxxx::BlendSrcOver8BIT;
@@ -42,11 +44,6 @@ namespace {
 constexpr int kWidth = 60;
 constexpr int kHeight = 40;
 constexpr std::uint32_t kGround = 0xff203040;
-
-IDirectFBSurface* SurfaceOf(zelxxx::ICanvas* canvas)
-{
-    return zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
-}
 
 /** 0xAARRGGBB of a colour with red in its lowest byte. */
 std::uint32_t Argb(ColorValue color, BlendValue blend)

@@ -8,6 +8,8 @@
 #include "DFB/view.h"
 #include "dfb_failure.h"
 #include "display_fixture.h"
+#include "surface_of.h"
+#include "test_font.h"
 
 #include <cstdlib>
 #include <ostream>
@@ -19,6 +21,7 @@ using kestrin_test::ExitsWith;
 using kestrin_test::FailCall;
 using kestrin_test::kInjected;
 using kestrin_test::Reports;
+using kestrin_test::SurfaceOf;
 using kestrin_test::TestDisplay;
 using zelxxx::BlendMode;
 using zelxxx::BlendSrcCopy;
@@ -42,14 +45,8 @@ namespace {
 constexpr char kView[] = "Graphic/DFB/view.cpp";
 constexpr char kCanvas[] = "Graphic/DFB/canvas.cpp";
 constexpr char kPainter[] = "Graphic/DFB/painter.cpp";
-constexpr char kFontFile[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 
 using PFont = zelxxx::ZELObjPtr<zelxxx::IFont>;
-
-IDirectFBSurface* SurfaceOf(zelxxx::ICanvas* canvas)
-{
-    return zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
-}
 
 struct ReportCase
 {
@@ -368,7 +365,7 @@ template <auto Operation>
 void FailChar(BlendMode mode, int successes)
 {
     const Painting painting(mode == BlendSrcOver ? Color32Bit : Color8Bit);
-    const PFont font(new Font(kFontFile));
+    const PFont font(new Font(kestrin_test::kSans.c_str()));
     FailCall<Operation>(painting.surface, successes);
     painting.painter->DrawChar('A', 1, 1, font, 12, FontRegular, 60, 128, mode, 1, 1);
 }
@@ -379,7 +376,7 @@ void FailString(int successes)
     const Painting painting(Color32Bit);
     FailCall<Operation>(painting.surface, successes);
     const zelxxx::WChar glyphs[] = {36};
-    const PFont font(new Font(kFontFile));
+    const PFont font(new Font(kestrin_test::kSans.c_str()));
     painting.painter->DrawString(glyphs, 1, 1, 1, font, 12, FontRegular, 60, 128, BlendSrcOver, 1);
 }
 
@@ -389,7 +386,7 @@ void DrawGlyphBitmap(void (*prepare)(const Painting&))
     const Painting painting(Color32Bit);
     static zelxxx::UInt8 coverage[4] = {255, 255, 255, 255};
     const CharMetrics glyph = {2, 2, 2, 0, 2, coverage};
-    const PFont font(new Font(kFontFile));
+    const PFont font(new Font(kestrin_test::kSans.c_str()));
     prepare(painting);
     painting.painter->Draw32BitCharBitmap(&glyph, font, 12, 1, 1, 60, 255);
 }
@@ -427,7 +424,7 @@ const ReportCase kTextCases[] = {
     {"StringExtents", kPainter, kExtents,
      [] {
          const Painting painting(Color32Bit);
-         Font* own = new Font(kFontFile);
+         Font* own = new Font(kestrin_test::kSans.c_str());
          const PFont font(own);
          FailCall<&IDirectFBFont::GetGlyphExtents>(own->GetFont(12, FontRegular, 0x10000));
          const zelxxx::WChar glyphs[] = {36};

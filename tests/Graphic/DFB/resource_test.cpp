@@ -2,6 +2,7 @@
 
 #include "DFB/font.h"
 #include "temp_directory.h"
+#include "test_font.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -16,14 +17,13 @@
 #include <unistd.h>
 
 using namespace zelxxx;
+using kestrin_test::kSans;
+using kestrin_test::kSerif;
 using kestrin_test::TempDirectory;
 using testing::IsEmpty;
 using testing::StartsWith;
 
 namespace {
-
-const std::string kSans = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-const std::string kSerif = "/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf";
 
 /** What was printed to standard output. */
 template <class Work>

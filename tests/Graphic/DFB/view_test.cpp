@@ -5,6 +5,7 @@
 #include "engine_display.h"
 #include "picture_compare.h"
 #include "recording_surface.h"
+#include "surface_of.h"
 #include "surface_pixels.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ using kestrin_test::NameInLogs;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SamePicture;
 using kestrin_test::SetPixels;
+using kestrin_test::SurfaceOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zelxxx::Color32Bit;
@@ -37,11 +39,6 @@ namespace {
 void Flip()
 {
     View::_primary->Flip(View::_primary, nullptr, DSFLIP_NONE);
-}
-
-IDirectFBSurface* SurfaceOf(zelxxx::ICanvas* canvas)
-{
-    return zelxxx::SideOf<zelxxx::CanvasBase>(canvas)->GetSurface();
 }
 
 TEST(ViewBeforeTheStart, KeepsWhatItsCreatorSaid)
