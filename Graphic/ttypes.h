@@ -37,6 +37,18 @@ constexpr BlendValue CombineBlends(BlendValue a, BlendValue b)
     return static_cast<BlendValue>(a * b / 255);
 }
 
+/** A product of 32 bits; what passes the range wraps around. */
+constexpr Int32 Multiply(Int32 a, Int32 b)
+{
+    return static_cast<Int32>(static_cast<UInt32>(a) * static_cast<UInt32>(b));
+}
+
+/** A number times an 8.8 factor that is not 1.0, rounded toward minus infinity. */
+constexpr Int32 Multiply88(Int32 value, Int32 ratio)
+{
+    return Multiply(value, ratio) >> 8;
+}
+
 /** The channels of a 0x00BBGGRR colour: red in the lowest byte. */
 constexpr UInt8 LowRed(ColorValue color)
 {

@@ -54,4 +54,94 @@ public:
     void Enable(bool enabled) override;
 };
 
+/** Moves a widget: AttrPosX, AttrPosY and AttrPosZ are added to its position and depth. */
+class KESTRIN_EXPORT TranslateModifier : public Modifier
+{
+public:
+    TranslateModifier();
+    void Modify(IWidget* widget) override;
+    void SetAttribute(AttrIndex index, AttrValue value) override;
+    AttrValue GetAttribute(AttrIndex index) override;
+
+private:
+    MetricValue _dx, _dy, _dz;
+};
+
+/**
+ * Projects a widget towards an eye that looks at the point (AttrPosX, AttrPosY) from the depth
+ * AttrPosZ + AttrFocus: the nearer its depth is to the eye's, the farther it moves from the point.
+ * The focus is 1000 at first. With AttrScaleX and AttrScaleY, both not 0, the widget's scales
+ * follow, times these factors; with either 0, as at first, they stay. A widget in the plane of the
+ * eye stands exactly at the point. The widget's depth stays.
+ */
+class KESTRIN_EXPORT PerspectiveModifier : public Modifier
+{
+public:
+    PerspectiveModifier();
+    void Modify(IWidget* widget) override;
+    void SetAttribute(AttrIndex index, AttrValue value) override;
+    AttrValue GetAttribute(AttrIndex index) override;
+
+private:
+    MetricValue _pos_x, _pos_y, _pos_z;
+    RatioValue _scale_x, _scale_y;
+    MetricValue _focus;
+};
+
+/**
+ * Stretches or shrinks a band of space and shifts what lies beyond it, so that nothing overlaps:
+ * like a lens over a row of icons. The band begins at AttrPosX and is AttrSpanX wide, and is scaled
+ * by AttrScaleX about the point AttrOriginX inside it; likewise for y. A span of 0, as at first,
+ * leaves its axis alone. Only positions change, not the widgets' spans and scales.
+ */
+class KESTRIN_EXPORT SpaceScaleModifier : public Modifier
+{
+public:
+    SpaceScaleModifier();
+    void Modify(IWidget* widget) override;
+    void SetAttribute(AttrIndex index, AttrValue value) override;
+    AttrValue GetAttribute(AttrIndex index) override;
+
+private:
+    MetricValue _x, _y;
+    MetricValue _width, _height;
+    MetricValue _origin_x, _origin_y;
+    RatioValue _scale_x, _scale_y;
+};
+
+/**
+ * Moves a widget a part of the way to the point (AttrPosX, AttrPosY): AttrPercentage is the part in
+ * 8.8 fixed point, 0 at first, 128 half way, 256 the point itself.
+ */
+class KESTRIN_EXPORT MoveToModifier : public Modifier
+{
+public:
+    MoveToModifier();
+    void Modify(IWidget* widget) override;
+    void SetAttribute(AttrIndex index, AttrValue value) override;
+    AttrValue GetAttribute(AttrIndex index) override;
+
+private:
+    MetricValue _pos_x, _pos_y;
+    RatioValue _percentage;
+};
+
+/**
+ * Fades a widget with its distance from the point (AttrPosX, AttrPosY): its opacity falls in a
+ * straight line to 0 at AttrSpanX sideways and at AttrSpanY up and down. Beyond, the opacity is
+ * left as it is.
+ */
+class KESTRIN_EXPORT FadingModifier : public Modifier
+{
+public:
+    FadingModifier();
+    void Modify(IWidget* widget) override;
+    void SetAttribute(AttrIndex index, AttrValue value) override;
+    AttrValue GetAttribute(AttrIndex index) override;
+
+private:
+    MetricValue _x, _y;
+    MetricValue _width, _height;
+};
+
 } // namespace zelxxx
