@@ -1,0 +1,240 @@
+/** The kinds of modifiers in a scene on the display: the picture follows them. */
+#include "scene_test.h"
+#include "seeded_random.h"
+#include "vrel_kestrin_anim.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using kestrin_test::kBlue;
+using kestrin_test::kGreen;
+using kestrin_test::kGrey;
+using kestrin_test::kRed;
+using kestrin_test::MakeLayer;
+using kestrin_test::MakeRectangle;
+using kestrin_test::SamePicture;
+using kestrin_test::SceneTest;
+using kestrin_test::SeededRandom;
+using kestrin_test::Shown;
+
+namespace zelxxx {
+namespace {
+
+class ModifierScene : public SceneTest
+{
+protected:
+    ModifierScene()
+    {
+        layer->AddWidget(red);
+        Repainted();
+    }
+
+    /** The display shows this colour in the middle of an 8 x 8 square at (x, y). */
+    void ExpectSquare(int x, int y, std::uint32_t color)
+    {
+        EXPECT_EQ(engine.Shot().At(x + 4, y + 4), color) << x << ", " << y;
+    }
+
+    ZELObjPtr<IWidget> red = MakeRectangle(10, 10, 8, 8, kRed);
+};
+
+TEST_F(ModifierScene, TranslatedWidgetLeavesItsOldPlaceAndShowsAtTheNew)
+{
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    red->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosX, 20);
+    modifier->SetAttribute(AttrPosY, 5);
+    Updated();
+    ExpectSquare(10, 10, kGrey);
+    ExpectSquare(30, 15, Shown(kRed));
+    EXPECT_EQ(red->GetAttribute(AttrPosX), 10);
+
+    modifier->SetAttribute(AttrPosX, 0);
+    modifier->SetAttribute(AttrPosY, 0);
+    Updated();
+    ExpectSquare(30, 15, kGrey);
+    ExpectSquare(10, 10, Shown(kRed));
+}
+
+TEST_F(ModifierScene, TranslationInDepthReorders)
+{
+    ZELObjPtr<IWidget> green = MakeRectangle(10, 10, 8, 8, kGreen);
+    layer->AddWidget(green);
+    Updated();
+    ExpectSquare(10, 10, Shown(kGreen));
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    red->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosZ, 1);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed));
+}
+
+TEST_F(ModifierScene, MoveToOnALayerGathersItsChildren)
+{
+    ZELObjPtr<IWidget> green = MakeRectangle(40, 30, 8, 8, kGreen);
+    layer->AddWidget(green);
+    ZELObjPtr<MoveToModifier> modifier(new MoveToModifier);
+    layer->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosX, 20);
+    modifier->SetAttribute(AttrPosY, 20);
+    modifier->SetAttribute(AttrPercentage, 128);
+    Updated();
+    ExpectSquare(15, 15, Shown(kRed));
+    ExpectSquare(30, 25, Shown(kGreen));
+
+    layer->RemoveModifier(modifier);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed));
+    ExpectSquare(40, 30, Shown(kGreen));
+    ExpectSquare(30, 22, kGrey);
+}
+
+TEST_F(ModifierScene, PerspectiveSpreadsWhatIsNearer)
+{
+    red->SetAttribute(AttrPosZ, 500);
+    ZELObjPtr<PerspectiveModifier> modifier(new PerspectiveModifier);
+    red->AddModifier(modifier);
+    Updated();
+    ExpectSquare(10, 10, kGrey);
+    ExpectSquare(20, 20, Shown(kRed));
+}
+
+TEST_F(ModifierScene, SpaceScaleOpensAGapAndShiftsWhatLiesBeyond)
+{
+    ZELObjPtr<IWidget> green = MakeRectangle(30, 10, 8, 8, kGreen);
+    layer->AddWidget(green);
+    ZELObjPtr<SpaceScaleModifier> modifier(new SpaceScaleModifier);
+    layer->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosX, 20);
+    modifier->SetAttribute(AttrSpanX, 10);
+    modifier->SetAttribute(AttrScaleX, 512);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed)); // before the band
+    ExpectSquare(40, 10, Shown(kGreen));
+    ExpectSquare(30, 10, kGrey);
+}
+
+TEST_F(ModifierScene, FadingHidesAtItsRim)
+{
+    ZELObjPtr<FadingModifier> modifier(new FadingModifier);
+    red->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosX, 2);
+    modifier->SetAttribute(AttrPosY, 10);
+    modifier->SetAttribute(AttrSpanX, 8);
+    modifier->SetAttribute(AttrSpanY, 8);
+    Updated();
+    ExpectSquare(10, 10, kGrey);
+    modifier->Enable(false);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed));
+}
+
+TEST_F(ModifierScene, SeveralActInOrderOfAttachment)
+{
+    ZELObjPtr<TranslateModifier> by_twenty(new TranslateModifier);
+    ZELObjPtr<MoveToModifier> half_way_to_zero(new MoveToModifier);
+    red->AddModifier(by_twenty);
+    red->AddModifier(half_way_to_zero);
+    by_twenty->SetAttribute(AttrPosX, 20);
+    half_way_to_zero->SetAttribute(AttrPosY, 10);
+    half_way_to_zero->SetAttribute(AttrPercentage, 128);
+    Updated();
+    ExpectSquare(15, 10, Shown(kRed)); // (10 + 20) / 2
+    red->AddModifier(by_twenty);       // now last
+    red->SetAttribute(AttrPosX, 10);
+    Updated();
+    ExpectSquare(25, 10, Shown(kRed)); // 10 / 2 + 20
+}
+
+TEST_F(ModifierScene, OneThatMovesToAnotherOwnerLeavesTheFirst)
+{
+    ZELObjPtr<IWidget> green = MakeRectangle(10, 30, 8, 8, kGreen);
+    layer->AddWidget(green);
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    modifier->SetAttribute(AttrPosX, 20);
+    red->AddModifier(modifier);
+    Updated();
+    green->AddModifier(modifier);
+    green->SetAttribute(AttrPosX, 10);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed));
+    ExpectSquare(30, 30, Shown(kGreen));
+}
+
+TEST_F(ModifierScene, ModifierOfALayerMovesALayerWithItsChildren)
+{
+    PLayer inner = MakeLayer();
+    ZELObjPtr<IWidget> blue = MakeRectangle(5, 30, 8, 8, kBlue);
+    inner->AddWidget(blue);
+    layer->AddWidget(inner);
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    layer->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosX, 25);
+    Updated();
+    ExpectSquare(30, 30, Shown(kBlue));
+    ExpectSquare(35, 10, Shown(kRed));
+    ExpectSquare(5, 30, kGrey);
+}
+
+/** A modifier of some kind with some parameters that keep widgets near the scene. */
+ZELObjPtr<IModifier> AnyModifier(SeededRandom& random)
+{
+    IModifier* kinds[] = {new TranslateModifier, new PerspectiveModifier, new SpaceScaleModifier,
+                          new MoveToModifier, new FadingModifier};
+    const auto chosen = static_cast<std::size_t>(random.Between(0, 4));
+    ZELObjPtr<IModifier> modifier(kinds[chosen]);
+    for (std::size_t i = 0; i < std::size(kinds); ++i) {
+        if (i != chosen)
+            delete kinds[i];
+    }
+    return modifier;
+}
+
+void Animate(IModifier* modifier, SeededRandom& random)
+{
+    for (const AttrIndex index :
+         {AttrPosX, AttrPosY, AttrSpanX, AttrSpanY, AttrOriginX, AttrOriginY})
+        modifier->SetAttribute(index, static_cast<AttrValue>(random.Between(-10, 30)));
+    modifier->SetAttribute(AttrPosZ, static_cast<AttrValue>(random.Between(-2, 2)));
+    modifier->SetAttribute(AttrScaleX, static_cast<AttrValue>(random.Between(1, 600)));
+    modifier->SetAttribute(AttrScaleY, static_cast<AttrValue>(random.Between(1, 600)));
+    modifier->SetAttribute(AttrPercentage, static_cast<AttrValue>(random.Between(0, 300)));
+    modifier->SetAttribute(AttrFocus, static_cast<AttrValue>(random.Between(1, 60)));
+}
+
+TEST_F(ModifierScene, UpdatesShowWhatARepaintShowsWhileAllKindsChangeEveryFrame)
+{
+    SeededRandom random;
+    PLayer inner = MakeLayer();
+    std::vector<ZELObjPtr<IWidget>> widgets = {static_cast<ILayer*>(layer),
+                                               static_cast<ILayer*>(inner), red};
+    layer->AddWidget(inner);
+    for (int i = 0; i < 6; ++i) {
+        widgets.push_back(MakeRectangle(static_cast<int>(random.Between(0, 50)),
+                                        static_cast<int>(random.Between(0, 40)), 9, 7,
+                                        static_cast<ColorValue>(random.Between(0, 0xffffff))));
+        widgets.back()->SetAttribute(AttrBlend, static_cast<AttrValue>(random.Between(60, 255)));
+        (i % 2 ? inner : layer)->AddWidget(widgets.back());
+    }
+    std::vector<ZELObjPtr<IModifier>> modifiers;
+    for (const auto& widget : widgets) {
+        modifiers.push_back(AnyModifier(random));
+        widget->AddModifier(modifiers.back());
+    }
+
+    int changes = 0;
+    auto before = Repainted();
+    for (int frame = 0; frame < SeededRandom::Rounds(300); ++frame) {
+        for (const auto& modifier : modifiers)
+            Animate(modifier, random);
+        const auto updated = Updated();
+        ASSERT_TRUE(SamePicture(updated, Repainted())) << "frame " << frame;
+        changes += updated.pixels != before.pixels;
+        before = updated;
+    }
+    EXPECT_GT(changes, 100);
+}
+
+} // namespace
+} // namespace zelxxx
