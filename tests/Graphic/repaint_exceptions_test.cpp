@@ -209,6 +209,24 @@ TEST_F(RepaintException, OpacityOfATextIsNotShownWhenTheProductIsTheSame)
     ExpectOnlyForceShowsIt();
 }
 
+TEST_F(RepaintException, FontScalerOfATextThatDoesNotMoveIsNotShown)
+{
+    ZELObjPtr<IText> text = MakeText(0, 30);
+    layer->AddWidget(text);
+    Repainted();
+    text->SetAttribute(AttrFontScalerMolecule, 200);
+    ExpectOnlyForceShowsIt();
+}
+
+TEST_F(RepaintException, SwitchedResourceIsNotShown)
+{
+    ZELObjPtr<IText> text = MakeText(0, 30);
+    layer->AddWidget(text);
+    Repainted();
+    text->SwitchResource(nullptr); // without a font to draw with
+    ExpectOnlyForceShowsIt();
+}
+
 // The clip rectangle's corners are inclusive to DirectFB.
 TEST_F(RepaintException, GlyphCutAtTheBottomReachesOneRowFurther)
 {
