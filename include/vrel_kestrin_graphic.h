@@ -307,12 +307,28 @@ public:
     virtual void DrawRectangle(MetricValue left, MetricValue top, MetricValue width,
                                MetricValue height, ColorValue color, BlendValue blend,
                                BlendMode blend_mode, BlitFlag blit_flag, ColorValue dst_color) = 0;
-    /** Draws a part of an image's frame, unscaled. */
+    /**
+     * Draws a part of an image's frame, unscaled. The image is one of the engine's.
+     *
+     * @param frame         counted from 0; nothing is drawn for one that is not there
+     * @param x, y          where the part goes
+     * @param width, height  size of the part in pixels
+     * @param src_x, src_y  its place in the picture
+     * @param src_width, src_height  must be above 0, and have no other effect
+     * @param blend         opacity; 0 draws nothing
+     * @param blend_mode    BlendSrcOver blends: the picture's colours, which count as premultiplied
+     *                      by their opacity, plus what the opacity, times `blend`, lets through.
+     *                      Anything else replaces the pixels, whatever `blend` is
+     */
     virtual void DrawImage(IImage* image, UInt16 frame, MetricValue x, MetricValue y,
                            MetricValue width, MetricValue height, MetricValue src_x,
                            MetricValue src_y, MetricValue src_width, MetricValue src_height,
                            BlendValue blend, BlendMode blend_mode) = 0;
-    /** Tiles an image over a rectangle. */
+    /**
+     * Tiles an image over a rectangle. Nothing is drawn for an image of size 0.
+     *
+     * @param origin_x, origin_y  offset of the tiles' grid from the rectangle's top left corner
+     */
     virtual void DrawTexture(IImage* image, UInt16 frame, MetricValue left, MetricValue top,
                              MetricValue width, MetricValue height, MetricValue origin_x,
                              MetricValue origin_y, BlendValue blend, BlendMode blend_mode) = 0;
