@@ -652,6 +652,15 @@ KESTRIN_EXPORT ILayer* zelCreateLayer(IResource* resource);
 /** A text that holds the resource, which may be null until SwitchResource. */
 KESTRIN_EXPORT IText* zelCreateText(IResource* resource);
 /**
+ * A sprite that holds the resource, which is not used but may not be null if the sprite is to show
+ * a magenta box while it has no image. It shows a frame of its image in its own size times its
+ * scale, cut at its span. Beside the widget's attributes it answers AttrImageIndex (a number for
+ * the client), AttrImageFrame (counted from 0) and AttrImageFormat (ImageFormat bits: left goes
+ * before right, top before bottom, tiling before all). The painter does not scale: of a scaled
+ * sprite the place and the part shown follow the scale, the pixels do not.
+ */
+KESTRIN_EXPORT ISprite* zelCreateSprite(IResource* resource);
+/**
  * A filled rectangle with an optional border. Beside the widget's attributes it answers AttrColor,
  * AttrBorderWidth (pixels, inside the span), AttrBorderColor, AttrBorderBlend and
  * AttrBorderBlendMode, and accepts AttrBlittingFlag and AttrDstColorKey. The resource is not used.
