@@ -167,8 +167,8 @@ bool Image::Part::CutAtPicture(Int32 picture_width, Int32 picture_height)
 }
 
 Image::Image()
-    : _frame_count(0), _image_buffer_mode(UseFrameBuffer), _image_type(TypePNG), _width(0),
-      _height(0), _clip_x1(0), _clip_y1(0), _clip_x2(0), _clip_y2(0),
+    : _clip_x1(0), _clip_y1(0), _clip_x2(0), _clip_y2(0), _frame_count(0),
+      _image_buffer_mode(UseFrameBuffer), _image_type(TypePNG), _width(0), _height(0),
       _color_mode(static_cast<ColorMode>(0)), _left(0), _top(0), _image_surface(nullptr),
       _filesize(0), _pCvt(nullptr), _mono_attr()
 {

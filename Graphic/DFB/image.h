@@ -86,6 +86,9 @@ public:
      */
     static int Decode(const UInt8* buf_in, std::size_t len_in, UInt8* buf_out, std::size_t len_out);
 
+protected:
+    Int32 _clip_x1, _clip_y1, _clip_x2, _clip_y2;
+
 private:
     /** A part of a picture, from (src_x, src_y) on, on its way to (x, y) of a surface. */
     struct Part
@@ -119,7 +122,6 @@ private:
     ImageBufferMode _image_buffer_mode;
     ImageType _image_type;
     UInt16 _width, _height;
-    Int32 _clip_x1, _clip_y1, _clip_x2, _clip_y2;
     ColorMode _color_mode;
     Int32 _left, _top;
     IDirectFBSurface* _image_surface; /**< scratch, as large as was ever needed */
