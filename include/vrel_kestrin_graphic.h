@@ -17,6 +17,8 @@
 
 #include "vrel_kestrin_obj.h"
 
+#include <cstddef>
+
 /** A category of the platform's debug log. */
 struct vrel_debug_category;
 
@@ -305,12 +307,28 @@ public:
     virtual void DrawRectangle(MetricValue left, MetricValue top, MetricValue width,
                                MetricValue height, ColorValue color, BlendValue blend,
                                BlendMode blend_mode, BlitFlag blit_flag, ColorValue dst_color) = 0;
-    /** Draws a part of an image's frame, unscaled. */
+    /**
+     * Draws a part of an image's frame, unscaled. The image is one of the engine's.
+     *
+     * @param frame         counted from 0; nothing is drawn for one that is not there
+     * @param x, y          where the part goes
+     * @param width, height  size of the part in pixels
+     * @param src_x, src_y  its place in the picture
+     * @param src_width, src_height  must be above 0, and have no other effect
+     * @param blend         opacity; 0 draws nothing
+     * @param blend_mode    BlendSrcOver blends: the picture's colours, which count as premultiplied
+     *                      by their opacity, plus what the opacity, times `blend`, lets through.
+     *                      Anything else replaces the pixels, whatever `blend` is
+     */
     virtual void DrawImage(IImage* image, UInt16 frame, MetricValue x, MetricValue y,
                            MetricValue width, MetricValue height, MetricValue src_x,
                            MetricValue src_y, MetricValue src_width, MetricValue src_height,
                            BlendValue blend, BlendMode blend_mode) = 0;
-    /** Tiles an image over a rectangle. */
+    /**
+     * Tiles an image over a rectangle. Nothing is drawn for an image of size 0.
+     *
+     * @param origin_x, origin_y  offset of the tiles' grid from the rectangle's top left corner
+     */
     virtual void DrawTexture(IImage* image, UInt16 frame, MetricValue left, MetricValue top,
                              MetricValue width, MetricValue height, MetricValue origin_x,
                              MetricValue origin_y, BlendValue blend, BlendMode blend_mode) = 0;
@@ -387,23 +405,90 @@ public:
                                                      Int32 font_scaler_denominator) = 0;
 };
 
-/** A picture with one or more frames. */
+/**
+ * A picture with one or more frames, shown by a sprite or a painter.
+ *
+ * It comes from an image file (zelCreateImage of a name) or from a client's memory. Positions are
+ * pixels, counted from the picture's top left corner.
+ */
 class KESTRIN_EXPORT IImage : public IZELObject
 {
 public:
+    /** Width in pixels, as given at creation or read from the file. */
     virtual UInt16 GetWidth() = 0;
+    /** Height in pixels. */
     virtual UInt16 GetHeight() = 0;
+    /** Frames of the file; 1 of a picture from memory. */
     virtual int GetFrameCount() = 0;
+    /** The type given at creation; TypePNG, the first of them, for one from an image file. */
     virtual ImageType GetImageType() = 0;
+    /**
+     * Fills a rectangle of the first frame; does nothing to a picture that is kept in memory.
+     *
+     * @param color_mode  how to take the colour, which must suit the frame: Color32Bit, or a
+     *                    palette index for all others
+     * @param w, h        at least 1: DirectFB ends the process for less
+     * @param color       0x00RRGGBB, red high, or a palette index
+     * @param blend       opacity; not used with a palette index. Frames of a file are blended
+     *                    onto, others are overwritten
+     */
     virtual void ImageClear(ColorMode color_mode, MetricValue x, MetricValue y, MetricValue w,
                             MetricValue h, ColorValue color, BlendValue blend) = 0;
+    /**
+     * Copies pixels into the first frame, or into memory where the picture is kept there (it gets
+     * memory if it has none); does nothing to a TypeSurface. Nothing is converted: the pixels are
+     * bytes on 8-bit displays and in 8-bit memory, words 0xAARRGGBB on 32-bit displays and in
+     * 32-bit memory. What lies outside the picture is left out. Call ISprite::UpdateImage after.
+     *
+     * @param imagedata  the pixel that goes to (x, y), not held
+     * @param row_bytes  bytes from one of its rows to the next; no more of a row is read
+     * @param x, y       position, may be negative
+     * @param colormode  Color8Bit for bytes, else words
+     */
     virtual void SetImageData(UInt32* imagedata, UInt32 row_bytes, MetricValue x, MetricValue y,
                               MetricValue width, MetricValue height, ColorMode colormode) = 0;
+    /**
+     * The pixels kept in memory, rows without padding, in the picture's own mode, 32-bit ones as
+     * words 0xAARRGGBB. Owned by the image, valid as long as it. Null when there are none.
+     */
     virtual UInt8* GetImageBuffer() = 0;
+    /** Keeps a number for the client: the size of its data. */
     virtual void SetFileSize(int nSize) = 0;
     virtual int GetFileSize() = 0;
+    /** Keeps a pair of numbers for the client, an offset for drawing; 0 at first. */
     virtual void SetAttribute(Int32 nLeft, Int32 nTop) = 0;
     virtual void GetAttribute(Int32& nLeft, Int32& nTop) = 0;
+};
+
+#ifndef DWORD
+/** A count of bytes. A client's own definition, made before, must have 32 bits as well. */
+typedef UInt32 DWORD;
+#endif
+
+/**
+ * A client's routine that makes an image's pixels, called whenever the image is drawn.
+ *
+ * @param image  the image
+ * @param data   its IImage::GetImageBuffer; null for TypeSurface
+ * @return pixels of the whole picture in the image's colour mode, rows without padding, 32-bit ones
+ *         as words 0xAARRGGBB; not held, to stay until the next call. Null draws nothing
+ */
+typedef void* (*Convert2DrawableRoutine_t)(IImage* image, void* data);
+
+/**
+ * How 1-bit pixels are drawn: from each row `hz` columns a bit and `vz` rows, so that the picture
+ * that a painter draws has `hz` x `vz` times as many pixels as IImage::GetWidth and
+ * IImage::GetHeight say. Bits that are not there count as clear.
+ */
+struct MonoGlyphAttr
+{
+    Int32 rowbyte; /**< bytes from one row to the next; below 1: width / 8 */
+    Int32
+        bitoffset; /**< bit of a row that is its first pixel; 0 is the highest of the first byte */
+    Int32 fgcolor; /**< of set bits: 0xAARRGGBB, or a palette index on an 8-bit display */
+    Int32 bgcolor; /**< of clear bits */
+    Int32 hz;      /**< horizontal magnification; below 1 counts as 1 */
+    Int32 vz;      /**< vertical magnification; below 1 counts as 1 */
 };
 
 /** 256 colours of an 8-bit display. Immutable. */
@@ -485,6 +570,71 @@ KESTRIN_EXPORT ICanvas* zelCreateCanvas(MetricValue width, MetricValue height,
 KESTRIN_EXPORT IPainter* zelCreatePainter(ICanvas* canvas);
 /** A palette of 256 entries, copied. With null the colours are unset. */
 KESTRIN_EXPORT IPalette* zelCreatePalette(PaletteEntry* palette_entry);
+/** A palette without colours. */
+inline IPalette* zelCreatePalette(std::nullptr_t)
+{
+    return zelCreatePalette(static_cast<PaletteEntry*>(nullptr));
+}
+/**
+ * A palette from a file: 256 records of 4 bytes, opacity (255 opaque), red, green and blue. What
+ * the file does not hold, also when it cannot be read, is transparent black. Never null.
+ */
+KESTRIN_EXPORT IPalette* zelCreatePalette(const char* file);
+/**
+ * A picture from a client's memory. It is made after the start of the library.
+ *
+ * With TypeSurface nothing is copied and `pCvt` makes the pixels. Of every other type `data` is
+ * copied and need not stay, rows without padding; what a sprite of it looks like:
+ *
+ *     mode    a pixel in `data`              32-bit display          8-bit display
+ *     1       a bit, the highest first,      fgcolor, bgcolor as     the same as indices
+ *             width / 8 bytes a row          0xAARRGGBB
+ *     4       half a byte, the high one      its palette colour      the index
+ *             first, (width + 1) / 2 a row
+ *     8       a byte                         its palette colour      the index
+ *     16      2 bytes, low one first,        opaque                  nearest of the palette
+ *             RGB565
+ *     24      bytes R, G, B                  opaque                  nearest of the palette
+ *     32      bytes R, G, B, A               with its opacity        nearest of the palette
+ *
+ * Colours of 4- and 8-bit pixels on a 32-bit display are those of the palette last given to a view,
+ * or of the fixed 188-entry palette; a picture in the frame buffer takes them when it is made, one
+ * in memory whenever it is drawn. In BlendSrcOver8BIT mode indices in memory blend by table.
+ *
+ * @param color_mode     bits per pixel
+ * @param width, height  pixels; below 0 counts as 0. Of PNG and JPEG files the file's own
+ * @param data           the pixels; null leaves them to SetImageData, transparent or index 0
+ * @param image_buffer_mode  UseFrameBuffer keeps 4-, 8-, 16- and 24-bit pixels in a surface, which
+ *                       draws fastest; everything else is kept in memory, converted when drawn
+ * @param image_type     for Color32Bit: TypePNG and TypeJPG say that `data` may be a file of that
+ *                       format. It is unpacked if it begins like one, and else taken as pixels; a
+ *                       damaged one draws nothing
+ * @param datasize       bytes at `data`; read for TypePNG and TypeJPG only
+ * @param pCvt           makes the pixels to draw; null draws `data`
+ * @param pAttr          how to draw 1-bit pixels, copied; null as if all were 0
+ */
+KESTRIN_EXPORT IImage* zelCreateImage(ColorMode color_mode, MetricValue width, MetricValue height,
+                                      PtrConstAny data, ImageBufferMode image_buffer_mode,
+                                      ImageType image_type, DWORD datasize,
+                                      Convert2DrawableRoutine_t pCvt, MonoGlyphAttr* pAttr);
+/**
+ * A picture from an image file, whose integers have 16 bits, low byte first:
+ *
+ *     offset 0  width in pixels
+ *            2  height in pixels
+ *            4  bits per pixel: 8
+ *            6  number of frames
+ *            8  palette indices, a byte each, frame after frame, row after row, all of them
+ *               compressed as one NRV2B stream (the byte-wise one of the UCL library)
+ *
+ * Image files are made for 8-bit displays. There a frame's pixels are indices of the display's
+ * palette. On a 32-bit display the bytes of a row are taken for words, four pixels for one, and the
+ * rest of the row is transparent: draw into such a picture with ImageClear and SetImageData only.
+ *
+ * Null when no frame could be read: the file is missing or damaged, holds less than its header
+ * says, or unpacks to more than 256 megabytes. It is made after the start of the library.
+ */
+KESTRIN_EXPORT IImage* zelCreateImage(const char* file_name);
 /**
  * A scene.
  *
@@ -501,6 +651,15 @@ KESTRIN_EXPORT IScene* zelCreateScene(UInt8 window_index, MetricValue width, Met
 KESTRIN_EXPORT ILayer* zelCreateLayer(IResource* resource);
 /** A text that holds the resource, which may be null until SwitchResource. */
 KESTRIN_EXPORT IText* zelCreateText(IResource* resource);
+/**
+ * A sprite that holds the resource, which is not used but may not be null if the sprite is to show
+ * a magenta box while it has no image. It shows a frame of its image in its own size times its
+ * scale, cut at its span. Beside the widget's attributes it answers AttrImageIndex (a number for
+ * the client), AttrImageFrame (counted from 0) and AttrImageFormat (ImageFormat bits: left goes
+ * before right, top before bottom, tiling before all). The painter does not scale: of a scaled
+ * sprite the place and the part shown follow the scale, the pixels do not.
+ */
+KESTRIN_EXPORT ISprite* zelCreateSprite(IResource* resource);
 /**
  * A filled rectangle with an optional border. Beside the widget's attributes it answers AttrColor,
  * AttrBorderWidth (pixels, inside the span), AttrBorderColor, AttrBorderBlend and

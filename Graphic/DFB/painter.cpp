@@ -1,6 +1,7 @@
 #include "painter.h"
 
 #include "font.h"
+#include "image.h"
 #include "tdebug.h"
 
 #include <algorithm>
@@ -16,6 +17,16 @@ constexpr int kFirstFontSurfaceSide = 25;
 const auto kBlitGlyph =
     static_cast<DFBSurfaceBlittingFlags>(DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_SRC_PREMULTIPLY |
                                          DSBLIT_DST_PREMULTIPLY | DSBLIT_DEMULTIPLY);
+
+const auto kBlitImage =
+    static_cast<DFBSurfaceBlittingFlags>(DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_BLEND_COLORALPHA);
+
+/** Where the first of a row of tiles stands, at 0 or before it, for a grid with this origin. */
+int FirstTile(int origin, int size)
+{
+    const int offset = origin % size;
+    return offset > 0 ? offset - size : offset;
+}
 
 /** The DirectFB font for a size and style, always unscaled; null when there is none. */
 IDirectFBFont* DirectFBFontOf(IFont* font, UInt16 font_size, FontStyle font_style)
@@ -174,16 +185,63 @@ void Painter::FillSrcOver(const Area& area, ColorValue color, BlendValue blend)
     DFBCHECK(_canvas_surface->SetPorterDuff(_canvas_surface, DSPD_NONE));
 }
 
-// The library makes no images yet, so there is nothing these two could be given.
-
-void Painter::DrawImage(IImage*, UInt16, MetricValue, MetricValue, MetricValue, MetricValue,
-                        MetricValue, MetricValue, MetricValue, MetricValue, BlendValue, BlendMode)
+void Painter::DrawImage(IImage* image, UInt16 frame, MetricValue x, MetricValue y,
+                        MetricValue width, MetricValue height, MetricValue src_x, MetricValue src_y,
+                        MetricValue src_width, MetricValue src_height, BlendValue blend,
+                        BlendMode blend_mode)
 {
+    if (blend == 0 || !_canvas_surface || width <= 0 || height <= 0 || src_width <= 0 ||
+        src_height <= 0)
+        return;
+    Image* own = SideOf<Image>(image);
+    const Area area = Clip(x, y, width, height);
+    if (!own || area.IsEmpty())
+        return;
+    const auto paint = [&] {
+        own->PaintToSurface(_canvas_surface, frame, Wrap(area.left), Wrap(area.top),
+                            Wrap(area.right - area.left), Wrap(area.bottom - area.top),
+                            Wrap(src_x + area.left - Wrap(x - _offset_x)),
+                            Wrap(src_y + area.top - Wrap(y - _offset_y)), _blend_mode);
+    };
+    if (blend_mode != BlendSrcOver) {
+        const DFBSurfaceBlittingFlags blitflag = DSBLIT_NOFX;
+        DFBCHECK(_canvas_surface->SetBlittingFlags(_canvas_surface, blitflag));
+        paint();
+        return;
+    }
+    const DFBSurfaceBlittingFlags blitflag = kBlitImage;
+    DFBCHECK(_canvas_surface->SetBlittingFlags(_canvas_surface, blitflag));
+    _canvas_surface->SetPorterDuff(_canvas_surface, DSPD_SRC_OVER);
+    DFBCHECK(_canvas_surface->SetColor(_canvas_surface, 0, 0, 0, blend));
+    paint();
+    DFBCHECK(_canvas_surface->SetBlittingFlags(_canvas_surface, DSBLIT_NOFX));
 }
 
-void Painter::DrawTexture(IImage*, UInt16, MetricValue, MetricValue, MetricValue, MetricValue,
-                          MetricValue, MetricValue, BlendValue, BlendMode)
+void Painter::DrawTexture(IImage* image, UInt16 frame, MetricValue left, MetricValue top,
+                          MetricValue width, MetricValue height, MetricValue origin_x,
+                          MetricValue origin_y, BlendValue blend, BlendMode blend_mode)
 {
+    if (blend == 0 || !image)
+        return;
+    const int iw = image->GetWidth();
+    const int ih = image->GetHeight();
+    // Tiles without a size would never reach the other edge.
+    if (iw == 0 || ih == 0)
+        return;
+    const int ox = FirstTile(origin_x, iw);
+    const int oy = FirstTile(origin_y, ih);
+    if (ox > width || oy > height)
+        return;
+    for (int ty = oy; ty <= height; ty += ih) {
+        const int sy = std::max(-ty, 0);
+        const int h = std::min(ty + ih, +height) - std::max(ty, 0);
+        for (int tx = ox; tx <= width; tx += iw) {
+            const int sx = std::max(-tx, 0);
+            const int w = std::min(tx + iw, +width) - std::max(tx, 0);
+            DrawImage(image, frame, Wrap(left + std::max(tx, 0)), Wrap(top + std::max(ty, 0)),
+                      Wrap(w), Wrap(h), Wrap(sx), Wrap(sy), Wrap(w), Wrap(h), blend, blend_mode);
+        }
+    }
 }
 
 void Painter::DrawChar(WChar ch, MetricValue left, MetricValue top, IFont* font, UInt16 font_size,

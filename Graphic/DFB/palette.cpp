@@ -38,4 +38,9 @@ IPalette* zelCreatePalette(PaletteEntry* palette_entry)
     return new Palette(palette_entry);
 }
 
+IPalette* zelCreatePalette(const char* file)
+{
+    return new Palette(file);
+}
+
 } // namespace zelxxx
