@@ -11,8 +11,13 @@
 #include "directfb_core.h"
 #include "screen_pool.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <memory>
+
+#include <semaphore.h>
+#include <unistd.h>
 
 namespace kestrin_display {
 namespace {
@@ -215,6 +220,33 @@ CoreSystemFuncs MakeSystemFunctions()
     functions.SurfaceDataInit = SurfaceDataIgnored;
     functions.SurfaceDataDestroy = SurfaceDataIgnored;
     return functions;
+}
+
+/** Holds the thread that runs it for good, once it has told so. */
+void StopThread(void* stopped, void*)
+{
+    sem_post(static_cast<sem_t*>(stopped));
+    for (;;)
+        pause();
+}
+
+// A program that ends without shutting DirectFB down leaves its message thread behind, which may
+// still be freeing surfaces while the libraries destroy what it works with. This module goes before
+// the libraries do: it lets the thread finish its messages, and stops it.
+__attribute__((destructor)) void StopMessagesAtExit()
+{
+    if (the_system == nullptr)
+        return;
+    static sem_t stopped; // the thread outlives this function
+    sem_init(&stopped, 0, 0);
+    if (Core_AsyncCall(StopThread, &stopped, nullptr) != DFB_OK)
+        return;
+    // A message that hangs must not keep the program from ending.
+    timespec deadline = {};
+    clock_gettime(CLOCK_REALTIME, &deadline);
+    deadline.tv_sec += 1;
+    while (sem_timedwait(&stopped, &deadline) != 0 && errno == EINTR) {
+    }
 }
 
 // DirectFB loads every module of the directory and asks later; the module announces itself.

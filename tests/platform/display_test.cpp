@@ -1,6 +1,7 @@
 /**
  * Draws with DirectFB itself on the display module and reads the picture back from the screen file.
  */
+#include "directfb_core.h"
 #include "directfb_screen.h"
 #include "display_fixture.h"
 #include "display_setup.h"
@@ -487,6 +488,29 @@ TEST(Display, PictureStaysWhenTheProcessEndsWithoutReleasing)
     EXPECT_EQ(display.Facts().shown, 1U);
     EXPECT_EQ(display.Reader().Header().process, static_cast<std::uint32_t>(process));
     EXPECT_TRUE(OneColor(display.Shot(), 0xff778899));
+}
+
+// DirectFB frees surfaces in a thread of its own, which must not be met by the end of its
+// libraries.
+TEST(Display, EndOfAProgramWaitsForDirectFBsMessages)
+{
+    TestDisplay display;
+    int finished[2] = {};
+    ASSERT_EQ(pipe(finished), 0);
+    const auto finish_late = [](void* descriptor, void*) {
+        usleep(200'000);
+        static_cast<void>(write(*static_cast<int*>(descriptor), "x", 1) == 1);
+    };
+    const pid_t process = StartProcess([&] {
+        static auto* screen = new Screen; // never released
+        screen->Take(64, 48, DSPF_ARGB);
+        ASSERT_EQ(Core_AsyncCall(finish_late, &finished[1], nullptr), DFB_OK);
+    });
+    close(finished[1]);
+    EXPECT_EQ(ExitStatusOf(process), 0);
+    char mark = 0;
+    EXPECT_EQ(read(finished[0], &mark, 1), 1);
+    close(finished[0]);
 }
 
 TEST(Display, ProcessesWithFilesOfTheirOwnDoNotMeet)
