@@ -93,6 +93,8 @@ void DirtyManager::Clear()
     _rows->SpanX[1] = _width;
     _rows->NextRow = nullptr;
     _filled = false;
+    _left = _top = INT16_MAX;
+    _right = _bottom = 0;
 }
 
 void DirtyManager::Add(const DirtyRect& dirty_rect)
@@ -106,6 +108,7 @@ void DirtyManager::Add(const DirtyRect& dirty_rect)
     if (x2 <= x1 || y1 >= y2)
         return;
 
+    Enclose(x1, y1, x2, y2);
     int top = 0;
     for (DirtyRow* row = _rows; row && top < dirty_rect.y2; row = row->NextRow) {
         const int bottom = top + row->RowHeight;
@@ -117,6 +120,9 @@ void DirtyManager::Add(const DirtyRect& dirty_rect)
             if (bottom > y2)
                 SplitRow(row, static_cast<UInt16>(y2 - top));
             MarkSpan(row, static_cast<UInt16>(x1), static_cast<UInt16>(x2));
+            // Every bound meets a band without clean spans, also an empty one.
+            if (row->SpanCount == 0)
+                Enclose(INT16_MIN - 1, y1, INT16_MAX + 1, y2);
         }
         top += row->RowHeight;
     }
@@ -183,6 +189,14 @@ bool DirtyManager::IsConsistent() const
             return false;
     }
     return !_rows || height == _height;
+}
+
+void DirtyManager::Enclose(int x1, int y1, int x2, int y2)
+{
+    _left = std::min(_left, x1);
+    _top = std::min(_top, y1);
+    _right = std::max(_right, x2);
+    _bottom = std::max(_bottom, y2);
 }
 
 /** A record from the spare list, or a new one. Its contents are unset. */

@@ -62,6 +62,17 @@ public:
      */
     bool Check(const DirtyRect& bound_rect, const DirtyRect& SearchRect) const;
     /**
+     * Whether Check and Handle of this bound need be asked; false when their answer is nothing,
+     * whatever the other rectangle is. Looks at the rectangle around all that was added.
+     */
+    bool MayTouch(const DirtyRect& bound_rect) const
+    {
+        if (_filled || bound_rect.x1 < 0)
+            return true;
+        return bound_rect.x1 < _right && bound_rect.x2 > _left && bound_rect.y1 < _bottom &&
+               bound_rect.y2 > _top;
+    }
+    /**
      * Delivers the dirty area inside `bound_rect`, band by band from the top and left to right
      * within a band; pieces of neighbouring bands are not joined. When filled, delivers the bound.
      */
@@ -81,12 +92,14 @@ private:
     DirtyRow* NewRow();
     DirtyRow* SplitRow(DirtyRow* row, UInt16 upper_height);
     static void MarkSpan(DirtyRow* row, UInt16 x1, UInt16 x2);
+    void Enclose(int x1, int y1, int x2, int y2);
 
     DirtyRow* _rows;
     DirtyRow* _free;
     UInt16 _width;
     UInt16 _height;
     bool _filled;
+    Int32 _left, _top, _right, _bottom; /**< around all that is dirty in the bands */
 };
 
 } // namespace zelxxx

@@ -347,10 +347,52 @@ void Layer::UpdateLayers()
                           ? parent->LayerScaleY
                           : CombineRatios(source.ScaleY, parent->LayerScaleY);
     }
+    for (Layer* layer : Surveyed().layers)
+        layer->UpdateLayers();
+}
+
+const Layer::Survey& Layer::Surveyed()
+{
+    if (_survey.version.IsCurrent())
+        return _survey;
+    _survey.layers.clear();
+    _survey.modified.clear();
     for (WidgetBase* child = Widgets.GetFirstElement(); child; child = child->GetNextElement()) {
-        if (child->IsLayer)
-            static_cast<Layer*>(child)->UpdateLayers();
+        bool is_modified = child->Modified != nullptr;
+        if (child->IsLayer) {
+            auto* layer = static_cast<Layer*>(child);
+            _survey.layers.push_back(layer);
+            is_modified = is_modified || !layer->Surveyed().modified.empty();
+        }
+        if (is_modified)
+            _survey.modified.push_back(child);
     }
+    _survey.version.SetCurrent();
+    return _survey;
+}
+
+void Layer::ModifyChildren()
+{
+    const Survey& survey = Surveyed();
+    const TreeVersion version = survey.version;
+    for (std::size_t i = 0; i < survey.modified.size(); ++i) {
+        WidgetBase* child = survey.modified[i];
+        ModifyChild(child);
+        if (version.IsCurrent())
+            continue;
+        // A modifier is a client's and may do anything: what it did counts from the next child on.
+        while ((child = child->GetNextElement()))
+            ModifyChild(child);
+        return;
+    }
+}
+
+void Layer::ModifyChild(WidgetBase* child)
+{
+    child->Modify();
+    // A layer's own modifiers act on its children's copies, not on its own copy.
+    if (child->Modified)
+        ApplyModifiers(child->Modified);
 }
 
 void Layer::AnchorChildX(MetricValue delta)

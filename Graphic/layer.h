@@ -35,6 +35,8 @@ public:
 
     /** Computes offset, clip, opacity and scale of this layer and all layers in it. */
     void UpdateLayers();
+    /** Modifies the children, each by its own modifiers and then its copy by this layer's. */
+    void ModifyChildren();
     /** Passes a growth of the span on to the children anchored right or at the bottom. */
     void AnchorChildX(MetricValue delta);
     void AnchorChildY(MetricValue delta);
@@ -59,6 +61,16 @@ public:
     Layer* Original; /**< of a modified copy: the layer whose children are meant */
 
 private:
+    /** What an update asks of the children, kept while the tree is as it was. */
+    struct Survey
+    {
+        TreeVersion version;
+        std::vector<Layer*> layers;
+        std::vector<WidgetBase*> modified; /**< with a copy, or layers that hold one that has */
+    };
+
+    const Survey& Surveyed();
+    void ModifyChild(WidgetBase* child);
     WidgetBase* FirstChild() const;
     template <void (WidgetBase::*Mark)()>
     void MarkChildren();
@@ -72,6 +84,7 @@ private:
     ColorValue _bkgnd_color;
     BlendValue _bkgnd_blend; /**< multiplies with the layer's shown opacity */
     bool _enable_anchors;
+    Survey _survey;
 };
 
 } // namespace zelxxx

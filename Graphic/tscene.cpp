@@ -169,12 +169,19 @@ void Scene::AddWidget(WidgetBase* widget)
     // Shown with no opacity so far, so that its first Dirty takes it for appearing.
     widget->DirtyBlend = 0;
     LinkWidgetAfter(widget, _widget_list_tail);
+    AddMarked(widget);
+    TreeVersion::Raise();
 }
 
 void Scene::RemoveWidget(WidgetBase* widget)
 {
     _dirty_manager->Add(widget->DirtyShown);
     UnlinkWidget(widget);
+    if (widget->MarkedIndex != WidgetBase::kNoIndex)
+        _marked[widget->MarkedIndex] = nullptr;
+    widget->MarkedIndex = WidgetBase::kNoIndex;
+    widget->PaintIndex = WidgetBase::kNoIndex;
+    TreeVersion::Raise();
 }
 
 void Scene::SortWidget(WidgetBase* widget)
@@ -212,13 +219,14 @@ void Scene::Update(bool force, bool wait)
             _dirty_manager->Fill();
     }
 
-    CurrentTOrder = 0;
     Layer* root = Root();
     if (_widget_dying && root->Kill())
         _widget_dying = false;
     root->Modify();
     root->UpdateLayers();
-    root->Sort();
+    if (force || !IsSorted())
+        Sort();
+    CurrentTOrder = _sequence_end;
     CollectDirtyRects();
     Paint();
     _dirty_manager->Clear();
@@ -238,15 +246,71 @@ bool Scene::IsFrameDue(bool wait) const
     return false;
 }
 
+/** Whether the paint list is still in order: no tree has changed, and no modifier a depth. */
+bool Scene::IsSorted() const
+{
+    return _sorted.IsCurrent() &&
+           std::all_of(_modified.begin(), _modified.end(),
+                       [](const WidgetBase* widget) { return widget->IsSorted(); });
+}
+
+void Scene::Sort()
+{
+    CurrentTOrder = 0;
+    Root()->Sort();
+    _shown.clear();
+    _modified.clear();
+    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+        widget->PaintIndex = static_cast<UInt32>(_shown.size());
+        _shown.push_back({widget->DirtyShown, widget});
+        if (widget->Modified)
+            _modified.push_back(widget);
+    }
+    _sequence_end = CurrentTOrder;
+    _sorted.SetCurrent();
+}
+
+/** Turns the marks into dirty rectangles, in paint order. */
 void Scene::CollectDirtyRects()
 {
-    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+    for (WidgetBase* widget : _modified) {
         // What modifiers did to the copy counts as done to the widget.
-        if (widget->Modified)
-            widget->DirtyState |= widget->Modified->DirtyState;
-        widget->Dirty(_dirty_manager.get());
-        widget->DirtyState = WidgetBase::StateUnchanged;
+        widget->DirtyState |= widget->Modified->DirtyState;
+        if (widget->DirtyState != WidgetBase::StateUnchanged)
+            AddMarked(widget);
     }
+    std::size_t count = 0;
+    for (WidgetBase* widget : _marked) {
+        if (!widget)
+            continue;
+        if (widget->PaintIndex != WidgetBase::kNoIndex)
+            _marked[count++] = widget;
+        else // the root, which is not painted
+            widget->MarkedIndex = WidgetBase::kNoIndex;
+    }
+    _marked.resize(count);
+    if (_marked.size() < _shown.size() / 8) {
+        std::sort(_marked.begin(), _marked.end(), [](const WidgetBase* a, const WidgetBase* b) {
+            return a->PaintIndex < b->PaintIndex;
+        });
+        for (WidgetBase* widget : _marked)
+            CollectDirtyRects(_shown[widget->PaintIndex]);
+    } else {
+        for (Shown& shown : _shown) {
+            if (shown.widget->MarkedIndex != WidgetBase::kNoIndex)
+                CollectDirtyRects(shown);
+        }
+    }
+    _marked.clear();
+}
+
+void Scene::CollectDirtyRects(Shown& shown)
+{
+    WidgetBase* widget = shown.widget;
+    widget->Dirty(_dirty_manager.get());
+    widget->DirtyState = WidgetBase::StateUnchanged;
+    widget->MarkedIndex = WidgetBase::kNoIndex;
+    shown.rect = widget->DirtyShown;
 }
 
 void Scene::Paint()
@@ -267,13 +331,13 @@ void Scene::PaintSingleBuffer()
 {
     const DirtyRect whole = {0, 0, _width, _height};
     HandlePhase(UpdateClear, whole);
-    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+    VisitTouched([this](WidgetBase* widget) {
         if (!widget->IsVisible)
-            continue;
+            return;
         _current_widget = widget;
         if (widget->ParentLayer)
             HandlePhase(UpdatePaint, widget->DirtyShown);
-    }
+    });
     _current_widget = nullptr;
     _dirty = false;
     // The time of this flip is not taken: only tiled frames are paced.
@@ -297,6 +361,28 @@ void Scene::PaintTiles()
     }
 }
 
+/** Visits the widgets of the paint list in order, but for those that show nothing dirty. */
+template <class Visit>
+void Scene::VisitTouched(Visit visit)
+{
+    WidgetBase* widget = _widget_list_head;
+    if (_sorted.IsCurrent()) {
+        widget = nullptr;
+        for (std::size_t i = 0; i < _shown.size() && _sorted.IsCurrent(); ++i) {
+            if (!_dirty_manager->MayTouch(_shown[i].rect))
+                continue;
+            widget = _shown[i].widget;
+            visit(widget);
+        }
+        if (_sorted.IsCurrent())
+            return;
+        widget = widget->Next;
+    }
+    // A formatter has changed the tree while it was painted.
+    for (; widget; widget = widget->Next)
+        visit(widget);
+}
+
 void Scene::PaintTile()
 {
     const MetricValue tile_width = Wrap(_back_rect.x2 - _back_rect.x1);
@@ -306,14 +392,14 @@ void Scene::PaintTile()
     HandlePhase(UpdateClear, _back_rect);
     CurrentPainter->SetOrigin(_back_rect.x1, _back_rect.y1);
 
-    for (WidgetBase* widget = _widget_list_head; widget; widget = widget->Next) {
+    VisitTouched([this](WidgetBase* widget) {
         if (!widget->ParentLayer || !widget->ParentLayer->IsVisible || !widget->IsVisible)
-            continue;
+            return;
         if (!_dirty_manager->Check(widget->DirtyShown, _back_rect))
-            continue;
+            return;
         static_cast<Painter*>(CurrentPainter)->SetSceneClipping(widget->DirtyShown);
         widget->Paint();
-    }
+    });
 
     _dirty = false;
     if (_options & SceneUseFlipping) {

@@ -5,6 +5,7 @@
 #include "layer.h"
 
 #include <memory>
+#include <vector>
 
 namespace zelxxx {
 
@@ -55,6 +56,14 @@ public:
     void RemoveWidget(WidgetBase* widget);
     /** Moves a widget whose key has changed to its place in the paint list. */
     void SortWidget(WidgetBase* widget);
+    /** Takes down that a widget of this scene is marked. */
+    void AddMarked(WidgetBase* widget)
+    {
+        if (widget->MarkedIndex != WidgetBase::kNoIndex)
+            return;
+        widget->MarkedIndex = static_cast<UInt32>(_marked.size());
+        _marked.push_back(widget);
+    }
 
     void SetWidgetDying() { _widget_dying = true; }
     void SetDirty() { _dirty = true; }
@@ -83,8 +92,20 @@ private:
 
     void MakeSurfaces(UInt8 window_index, ColorMode color_mode);
     void PrepareRoot();
+    /** A widget of the paint list and what it shows. */
+    struct Shown
+    {
+        DirtyRect rect;
+        WidgetBase* widget;
+    };
+
     bool IsFrameDue(bool wait) const;
+    void Sort();
+    bool IsSorted() const;
     void CollectDirtyRects();
+    void CollectDirtyRects(Shown& shown);
+    template <class Visit>
+    void VisitTouched(Visit visit);
     void Paint();
     void PaintSingleBuffer();
     void PaintTiles();
@@ -112,6 +133,12 @@ private:
     WidgetBase* _widget_list_head;
     WidgetBase* _widget_list_tail;
     WidgetBase* _current_widget;
+    // Side by side, so that a frame with few changes passes over many widgets quickly.
+    std::vector<Shown> _shown;          /**< the paint list as of `_sorted` */
+    std::vector<WidgetBase*> _modified; /**< those in it with a modified copy */
+    std::vector<WidgetBase*> _marked;   /**< with marks to be looked at; null where one has left */
+    TreeVersion _sorted;
+    MetricValue _sequence_end = 0; /**< where CurrentTOrder stood after sorting */
     Scene* _prev_scene;
     Scene* _next_scene;
 

@@ -14,17 +14,6 @@ bool operator==(const DirtyRect& a, const DirtyRect& b)
     return a.x1 == b.x1 && a.y1 == b.y1 && a.x2 == b.x2 && a.y2 == b.y2;
 }
 
-/** Runs modifiers, in order of attachment, on a modified copy. */
-void Apply(const ModifierCollection& modifiers, WidgetBase* copy)
-{
-    ModifierBase* modifier = modifiers.GetFirstElement();
-    if (!modifier)
-        return;
-    IWidget* widget = SideOf<IWidget>(copy);
-    for (; modifier; modifier = modifier->GetNextElement())
-        modifier->Modify(widget);
-}
-
 } // namespace
 
 WidgetBase::WidgetBase()
@@ -179,8 +168,12 @@ int WidgetBase::Release()
 void WidgetBase::Mark(State state)
 {
     DirtyState |= state;
-    if (ParentScene)
-        ParentScene->SetDirty();
+    if (!ParentScene)
+        return;
+    ParentScene->SetDirty();
+    ParentScene->AddMarked(this);
+    if (state == StateReordered)
+        TreeVersion::Raise();
 }
 
 void WidgetBase::AddModifier(ModifierBase* modifier)
@@ -205,6 +198,7 @@ void WidgetBase::CreateModified()
     Modified = Clone();
     if (!Modified)
         return;
+    TreeVersion::Raise();
     Modified->Hold();
     if (IsLayer)
         static_cast<Layer*>(Modified)->Original = static_cast<Layer*>(this);
@@ -223,6 +217,7 @@ void WidgetBase::ReleaseModified()
     // A modifier may have held the copy; it must not look for this widget's children any more.
     if (Modified->IsLayer)
         static_cast<Layer*>(Modified)->Original = nullptr;
+    TreeVersion::Raise();
     Modified->Release();
     Modified = nullptr;
 }
@@ -290,19 +285,23 @@ void WidgetBase::AnchorY(MetricValue delta)
 void WidgetBase::Modify()
 {
     if (IsLayer) {
-        // A layer's own modifiers act on its children's copies, not on its own copy.
-        for (WidgetBase* child = static_cast<Layer*>(this)->Widgets.GetFirstElement(); child;
-             child = child->GetNextElement()) {
-            child->Modify();
-            if (child->Modified)
-                Apply(Modifiers, child->Modified);
-        }
+        static_cast<Layer*>(this)->ModifyChildren();
         if (Modified)
             Modified->Copy(this);
     } else if (Modified) {
         Modified->Copy(this);
-        Apply(Modifiers, Modified);
+        ApplyModifiers(Modified);
     }
+}
+
+void WidgetBase::ApplyModifiers(WidgetBase* copy) const
+{
+    ModifierBase* modifier = Modifiers.GetFirstElement();
+    if (!modifier)
+        return;
+    IWidget* widget = SideOf<IWidget>(copy);
+    for (; modifier; modifier = modifier->GetNextElement())
+        modifier->Modify(widget);
 }
 
 void WidgetBase::Sort()
@@ -323,6 +322,12 @@ void WidgetBase::Sort()
     for (WidgetBase* child = static_cast<Layer*>(this)->Widgets.GetFirstElement(); child;
          child = child->GetNextElement())
         child->Sort();
+}
+
+bool WidgetBase::IsSorted() const
+{
+    const WidgetBase* source = Modified ? Modified : this;
+    return !ParentLayer || ZOrder == Wrap(ParentLayer->ZOrder + source->PosZ);
 }
 
 bool WidgetBase::Kill()

@@ -11,9 +11,53 @@ class Layer;
 class Scene;
 class WidgetBase;
 
+/**
+ * Counts what changes the shape of any tree: children that come, go or change places, depths,
+ * modified copies that are made or given up. What an update derives from the shape it keeps until
+ * the count differs, so that a frame costs by what changed and not by how many widgets there are.
+ */
+class TreeVersion
+{
+public:
+    static void Raise() { ++_count; }
+
+    /** A version older than every other. */
+    TreeVersion() : _seen(_count - 1) {}
+    bool IsCurrent() const { return _seen == _count; }
+    void SetCurrent() { _seen = _count; }
+
+private:
+    inline static UInt32 _count = 0;
+    UInt32 _seen;
+};
+
 /** The children of a layer, in paint order for equal depths; holds them. */
 class WidgetCollection : public ZELCollection<WidgetCollection, WidgetBase, true>
 {
+    using Base = ZELCollection<WidgetCollection, WidgetBase, true>;
+
+public:
+    void AddElement(WidgetBase* element) { InsertElement(element, nullptr); }
+    void InsertElement(WidgetBase* element, WidgetBase* successor)
+    {
+        TreeVersion::Raise();
+        Base::InsertElement(element, successor);
+    }
+    void RemoveElement(WidgetBase* element)
+    {
+        TreeVersion::Raise();
+        Base::RemoveElement(element);
+    }
+    bool UnlinkElement(ZELElement<WidgetCollection, WidgetBase>* element)
+    {
+        TreeVersion::Raise();
+        return Base::UnlinkElement(element);
+    }
+    void ReleaseElements()
+    {
+        TreeVersion::Raise();
+        Base::ReleaseElements();
+    }
 };
 
 /**
@@ -85,8 +129,12 @@ public:
 
     /** Resets the modified copies and runs the modifiers. */
     void Modify();
+    /** Runs this widget's modifiers, in order of attachment, on a copy. */
+    void ApplyModifiers(WidgetBase* copy) const;
     /** Takes the depth and tree position of this update, and its place in the paint list. */
     void Sort();
+    /** Whether the depth is still that of the layer, the attributes and the modifiers. */
+    bool IsSorted() const;
     /** Removes what is ready to be removed; true when nothing in here waits any more. */
     bool Kill();
 
@@ -119,6 +167,10 @@ public:
     WidgetBase* Prev;
     WidgetBase* Modified;
     ModifierCollection Modifiers;
+
+    static constexpr UInt32 kNoIndex = ~UInt32{0};
+    UInt32 PaintIndex = kNoIndex;  /**< place in the scene's paint order */
+    UInt32 MarkedIndex = kNoIndex; /**< place among the scene's marked widgets */
 
 private:
     void ReleaseModified();

@@ -543,6 +543,12 @@ protected:
         ASSERT_NO_FATAL_FAILURE(mask.Match(whole));
 
         const DirtyRect bound = Rect();
+        if (!manager.MayTouch(bound)) {
+            ASSERT_THAT(Delivered(manager, bound), IsEmpty()) << testing::PrintToString(bound);
+            ASSERT_FALSE(manager.Check(bound, {0, 0, kWidth, kHeight}))
+                << testing::PrintToString(bound);
+            ++untouched;
+        }
         if (bound.x2 <= bound.x1 || bound.y2 <= bound.y1)
             return;
         const auto part = Delivered(manager, bound);
@@ -562,6 +568,7 @@ protected:
     SeededRandom random = SeededRandom(GetParam());
     DirtyManager manager = {kWidth, kHeight};
     Mask mask = {kWidth, kHeight};
+    int untouched = 0;
 };
 
 TEST_P(RandomDirty, AgreesWithAMaskOfPixels)
@@ -572,6 +579,27 @@ TEST_P(RandomDirty, AgreesWithAMaskOfPixels)
         Step();
         ASSERT_NO_FATAL_FAILURE(Compare());
     }
+    EXPECT_GT(untouched, 0);
+}
+
+TEST(DirtyAround, RulesOutWhatLiesBesideAllThatWasAdded)
+{
+    DirtyManager manager(100, 50);
+    const auto may_touch = [&](int x1, int y1, int x2, int y2) {
+        return manager.MayTouch({static_cast<Int16>(x1), static_cast<Int16>(y1),
+                                 static_cast<Int16>(x2), static_cast<Int16>(y2)});
+    };
+    EXPECT_FALSE(may_touch(0, 0, 100, 50));
+    manager.Add({10, 20, 30, 40});
+    EXPECT_TRUE(may_touch(29, 39, 40, 50));
+    EXPECT_FALSE(may_touch(30, 20, 40, 40));
+    EXPECT_FALSE(may_touch(0, 20, 10, 40));
+    EXPECT_FALSE(may_touch(10, 0, 30, 20));
+    EXPECT_FALSE(may_touch(10, 40, 30, 50));
+    manager.Clear();
+    EXPECT_FALSE(may_touch(10, 20, 30, 40));
+    manager.Fill();
+    EXPECT_TRUE(may_touch(0, 0, 1, 1));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomDirty, testing::Values(1U, 2U, 3U, 4U));

@@ -1,6 +1,7 @@
 /** The kinds of modifiers in a scene on the display: the picture follows them. */
 #include "scene_test.h"
 #include "seeded_random.h"
+#include "test_modifier.h"
 #include "vrel_kestrin_anim.h"
 
 #include <vector>
@@ -17,6 +18,7 @@ using kestrin_test::SamePicture;
 using kestrin_test::SceneTest;
 using kestrin_test::SeededRandom;
 using kestrin_test::Shown;
+using kestrin_test::TestModifier;
 
 namespace zelxxx {
 namespace {
@@ -68,6 +70,54 @@ TEST_F(ModifierScene, TranslationInDepthReorders)
     modifier->SetAttribute(AttrPosZ, 1);
     Updated();
     ExpectSquare(10, 10, Shown(kRed));
+    modifier->SetAttribute(AttrPosZ, -1);
+    Updated();
+    ExpectSquare(10, 10, Shown(kGreen));
+}
+
+TEST_F(ModifierScene, DepthOfALayerThatIsModifiedReordersWhatItHolds)
+{
+    PLayer inner = MakeLayer();
+    inner->AddWidget(MakeRectangle(10, 10, 8, 8, kGreen));
+    layer->AddWidget(inner);
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    layer->AddModifier(modifier);
+    Updated();
+    ExpectSquare(10, 10, Shown(kGreen));
+    red->SetAttribute(AttrPosZ, 1);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed));
+    inner->SetAttribute(AttrPosZ, 2);
+    Updated();
+    ExpectSquare(10, 10, Shown(kGreen));
+    modifier->SetAttribute(AttrPosX, 20);
+    Updated();
+    ExpectSquare(30, 10, Shown(kGreen));
+}
+
+TEST_F(ModifierScene, ModifierMayChangeTheTreeWhileItRuns)
+{
+    PLayer other = MakeLayer();
+    scene->AddLayer(other);
+    ZELObjPtr<IWidget> green = MakeRectangle(30, 10, 8, 8, kGreen);
+    ZELObjPtr<IWidget> blue = MakeRectangle(30, 30, 8, 8, kBlue);
+    other->AddWidget(blue);
+    bool changed = false;
+    ZELObjPtr<TestModifier> modifier(new TestModifier([&](IWidget*) {
+        if (!changed) {
+            other->AddWidget(green);
+            other->InsertWidget(blue, green, InsertBehind);
+            blue->AddModifier(new TranslateModifier);
+        }
+        changed = true;
+    }));
+    red->AddModifier(modifier);
+    red->SetAttribute(AttrPosX, 12);
+    Updated();
+    EXPECT_TRUE(changed);
+    ExpectSquare(12, 10, Shown(kRed));
+    ExpectSquare(30, 10, Shown(kGreen));
+    ExpectSquare(30, 30, Shown(kBlue));
 }
 
 TEST_F(ModifierScene, MoveToOnALayerGathersItsChildren)

@@ -135,4 +135,42 @@ TEST_F(TextOnDisplay, EightBitGlyphHasTheIndicesTheFormaterMade)
     EXPECT_GT(std::count(indices.begin(), indices.end(), 100), 100);
 }
 
+// What comes in while a frame is painted has no place yet: it shows with the next one.
+TEST_F(TextOnDisplay, FormaterMayChangeTheTreeWhileItIsPainted)
+{
+    zelInitialize(kWidth, kHeight, Color32Bit);
+    {
+        ZELObjPtr<IScene> scene(
+            zelCreateScene(0, kWidth, kHeight, Color32Bit, SceneUseDoubleBuffer, BlendSrcOver));
+        PLayer layer(zelCreateLayer(nullptr));
+        scene->AddLayer(layer);
+        ZELObjPtr<IWidget> behind(zelCreateRectangle(nullptr));
+        ZELObjPtr<IWidget> added(zelCreateRectangle(nullptr));
+        for (const auto& rectangle : {behind, added}) {
+            rectangle->SetAttribute(AttrPosX, rectangle == added ? 200 : 100);
+            rectangle->SetAttribute(AttrSpanX, 50);
+            rectangle->SetAttribute(AttrSpanY, 50);
+            rectangle->SetAttribute(AttrColor, 0x0000ff);
+        }
+        TestFormater formater([&](IText&) {
+            layer->AddWidget(added);
+            layer->AddWidget(behind);
+        });
+        ZELObjPtr<IText> text(zelCreateText(PResource(OpenSans())));
+        text->SetAttribute(AttrFontIndex, 1);
+        text->SetAttribute(AttrFontSize, kSize);
+        text->SetAttribute(AttrSpanX, 10);
+        text->SetAttribute(AttrSpanY, 10);
+        text->SetText(&kLetter, 2, EncodingUnicode, &formater);
+        layer->AddWidget(text);
+        layer->AddWidget(behind);
+        zelUpdateScreen(true, false);
+        EXPECT_EQ(formater.runs, 1);
+        EXPECT_EQ(display->Shot().At(110, 10), 0xffff0000U);
+        zelUpdateScreen(true, false);
+        EXPECT_EQ(display->Shot().At(210, 10), 0xffff0000U);
+    }
+    zelUninitialize();
+}
+
 } // namespace
