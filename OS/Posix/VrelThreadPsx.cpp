@@ -69,6 +69,8 @@ static void SetPolicy(pthread_attr_t& attributes, Vrel_Thread_Sched sched)
 HRESULT Vrel_PosixThread::Start(void* param)
 {
     m_param = param;
+    const bool was_joined = m_Joined;
+    m_Joined = false;
 
     pthread_attr_t attributes; // holds no memory, and so is not destroyed
     const bool with_attributes = m_Sched != Vrel_THREAD_SCHED_DEFAULT;
@@ -82,13 +84,13 @@ HRESULT Vrel_PosixThread::Start(void* param)
     const auto thread_id = m_ThreadId;
     const bool detached = m_Detached != 0;
     pthread_t id;
-    if (pthread_create(&id, with_attributes ? &attributes : nullptr, Procedure, this) != 0)
+    if (pthread_create(&id, with_attributes ? &attributes : nullptr, Procedure, this) != 0) {
+        m_Joined = was_joined;
         return kVrelFailure;
+    }
     *thread_id = id;
     if (detached)
         pthread_detach(id);
-    else
-        m_Joined = false;
     return kVrelSuccess;
 }
 
@@ -112,7 +114,8 @@ HRESULT Vrel_PosixThread::Wait(INT /*dwTimeout*/)
     const int result = pthread_join(id, nullptr);
     std::puts("After join...");
     std::fflush(stdout);
-    m_Joined = result == 0;
+    if (result == 0)
+        m_Joined = true;
     return VrelResult(result);
 }
 

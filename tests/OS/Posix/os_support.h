@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <pthread.h>
+#include <signal.h>
 
 namespace kestrin_test {
 
@@ -75,5 +76,36 @@ auto OnOtherThread(Function function)
     RunningThread([&] { result = function(); }).Join();
     return result;
 }
+
+/** Handles a signal by counting it, as long as it lives. One at a time. */
+class SignalCounter
+{
+public:
+    static constexpr int kSignal = SIGUSR1;
+
+    /** @param flags  of sigaction, such as SA_RESTART */
+    explicit SignalCounter(int flags)
+    {
+        Counted() = 0;
+        struct sigaction action = {};
+        action.sa_handler = [](int) { ++Counted(); };
+        action.sa_flags = flags;
+        sigaction(kSignal, &action, &_before);
+    }
+    ~SignalCounter() { sigaction(kSignal, &_before, nullptr); }
+    SignalCounter(const SignalCounter&) = delete;
+    SignalCounter& operator=(const SignalCounter&) = delete;
+
+    int Count() const { return Counted(); }
+
+private:
+    static std::atomic<int>& Counted()
+    {
+        static std::atomic<int> count;
+        return count;
+    }
+
+    struct sigaction _before = {};
+};
 
 } // namespace kestrin_test
