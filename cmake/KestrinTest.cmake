@@ -5,7 +5,7 @@
 # builds the GoogleTest program dirty_test, linked to the libraries and to GoogleMock's main, and
 # gives CTest one test for each of its test cases, named dirty_test.Suite.Case. Every case runs in a
 # process of its own and may take 60 seconds. The cases are asked for when CTest runs, not while the
-# program is built.
+# program is built. LABEL os gives them a label to choose them by.
 #
 # KESTRIN_TEST_ENVIRONMENT is what every test has in its environment; tests that are added without
 # this function (programs run as they are) set their property ENVIRONMENT to it.
@@ -18,9 +18,14 @@ set(KESTRIN_TEST_ENVIRONMENT
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
 
 function(kestrin_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 TEST "" "" "SOURCES;LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 1 TEST "" "LABEL" "SOURCES;LIBRARIES")
     if(NOT TEST_SOURCES OR TEST_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "kestrin_add_test(${name} SOURCES ... [LIBRARIES ...])")
+        message(FATAL_ERROR "kestrin_add_test(${name} SOURCES ... [LIBRARIES ...] [LABEL ...])")
+    endif()
+
+    set(label)
+    if(TEST_LABEL)
+        set(label LABELS ${TEST_LABEL})
     endif()
 
     add_executable(${name} ${TEST_SOURCES})
@@ -28,5 +33,5 @@ function(kestrin_add_test name)
     gtest_discover_tests(${name}
         TEST_PREFIX ${name}.
         DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT 60 ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}")
+        PROPERTIES TIMEOUT 60 ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}" ${label})
 endfunction()

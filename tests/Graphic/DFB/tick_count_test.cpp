@@ -1,50 +1,15 @@
 /** The tick count, on a clock that this program sets. */
 #include "engine_display.h"
+#include "test_clock.h"
 #include "vrel_kestrin_graphic.h"
-
-#include <optional>
-
-#include <dlfcn.h>
-#include <sys/time.h>
 
 #include <gtest/gtest.h>
 
+using kestrin_test::SetClock;
+using kestrin_test::TestClock;
 using kestrin_test::TestDisplay;
 using zelxxx::UInt32;
 using zelxxx::zelGetTickCount;
-
-namespace {
-
-struct Clock
-{
-    std::optional<timeval> now; ///< without it the real clock runs
-    bool broken = false;
-};
-
-Clock& TestClock()
-{
-    static Clock clock;
-    return clock;
-}
-
-void SetClock(time_t seconds, suseconds_t microseconds)
-{
-    TestClock().now = timeval{seconds, microseconds};
-}
-
-} // namespace
-
-extern "C" int gettimeofday(timeval* time, void* zone) noexcept
-{
-    if (TestClock().broken)
-        return -1;
-    if (TestClock().now) {
-        *time = *TestClock().now;
-        return 0;
-    }
-    using Function = int(timeval*, void*);
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "gettimeofday"))(time, zone);
-}
 
 namespace {
 
