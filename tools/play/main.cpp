@@ -4,6 +4,7 @@
 #include "player.h"
 
 #include "display_setup.h"
+#include "lay_over.h"
 #include "png_file.h"
 
 #include <CLI/CLI.hpp>
@@ -171,9 +172,10 @@ ArgbImage Background(const Arguments& arguments, const ScreenFormat& format)
 {
     if (arguments.background.empty())
         return TestPicture(format.width, format.height);
-    const ArgbImage video =
+    ArgbImage video =
         Scaled(kestrin_tools::ReadPng(arguments.background), format.width, format.height);
-    return Composed(video, 255, ArgbImage(format.width, format.height, 0xFF000000));
+    kestrin_tools::LayOver(video, ArgbImage(1, 1, 0xFF000000));
+    return video;
 }
 
 /** Path and start of the names of the pictures; makes the directory. */
