@@ -3,6 +3,7 @@
  */
 #include "player.h"
 
+#include "command_line.h"
 #include "display_setup.h"
 #include "lay_over.h"
 #include "png_file.h"
@@ -16,13 +17,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <sstream>
 #include <stdexcept>
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace kestrin_play;
+using kestrin_tools::Wrapped;
 
 enum ExitCode
 {
@@ -95,22 +96,6 @@ std::string CheckSize(const std::string& text)
 std::string CheckEncoding(const std::string& name)
 {
     return FindEncoding(name) ? "" : "unknown encoding " + name + "; one of " + EncodingNames();
-}
-
-/** Breaks a description into lines that leave room for the options' names. */
-std::string Wrapped(const std::string& text)
-{
-    constexpr std::size_t line_limit = 68;
-    std::string wrapped;
-    std::size_t line = 0;
-    std::istringstream words(text);
-    for (std::string word; words >> word; line += word.size() + 1) {
-        const bool fits = line + word.size() <= line_limit;
-        if (!fits)
-            line = 0;
-        wrapped += (wrapped.empty() ? "" : fits ? " " : "\n") + word;
-    }
-    return wrapped;
 }
 
 void Declare(CLI::App& app, Arguments& arguments)
