@@ -2,6 +2,7 @@
  * kestrin-screen: looks at the screen file of a running or finished program.
  */
 #include "display_setup.h"
+#include "lay_over.h"
 #include "png_file.h"
 #include "screen_reader.h"
 
@@ -15,7 +16,6 @@
 
 namespace {
 
-using kestrin_display::ArgbImage;
 using kestrin_display::DefaultScreenFile;
 using kestrin_display::FormatName;
 using kestrin_display::LayerFacts;
@@ -30,55 +30,12 @@ struct Options
     int layer = 1;
 };
 
-std::uint32_t Channel(std::uint32_t argb, unsigned shift)
-{
-    return argb >> shift & 0xff;
-}
-
-/** Multiplies a pixel's alpha by the opacity of its layer, 0 to 255. */
-std::uint32_t Fade(std::uint32_t argb, std::uint32_t opacity)
-{
-    const std::uint32_t alpha = (Channel(argb, 24) * opacity + 127) / 255;
-    return alpha << 24 | (argb & 0xffffff);
-}
-
-/** Lays one pixel over another; both and the result have straight alpha. */
-std::uint32_t Over(std::uint32_t front, std::uint32_t back)
-{
-    const std::uint32_t front_weight = Channel(front, 24) * 255;
-    const std::uint32_t back_weight = Channel(back, 24) * (255 - Channel(front, 24));
-    const std::uint32_t weight = front_weight + back_weight; // alpha of the result times 255
-    if (weight == 0)
-        return 0;
-
-    std::uint32_t result = (weight + 127) / 255 << 24;
-    for (unsigned shift : {16U, 8U, 0U}) {
-        const std::uint32_t sum =
-            Channel(front, shift) * front_weight + Channel(back, shift) * back_weight;
-        result |= (sum + weight / 2) / weight << shift;
-    }
-    return result;
-}
-
-/** Lays the picture over a background that is stretched to its size, without smoothing. */
-void LayOver(ArgbImage& image, const ArgbImage& background)
-{
-    for (int y = 0; y < image.height; y++) {
-        const int from_y = y * background.height / image.height;
-        for (int x = 0; x < image.width; x++) {
-            const int from_x = x * background.width / image.width;
-            image.At(x, y) = Over(image.At(x, y), background.At(from_x, from_y));
-        }
-    }
-}
-
 void Shoot(const Options& options)
 {
     LayerSnapshot snapshot = ScreenReader(options.screen).Snapshot(options.layer);
-    for (std::uint32_t& pixel : snapshot.image.pixels)
-        pixel = Fade(pixel, snapshot.facts.opacity);
+    kestrin_tools::Fade(snapshot.image, snapshot.facts.opacity);
     if (!options.background.empty())
-        LayOver(snapshot.image, kestrin_tools::ReadPng(options.background));
+        kestrin_tools::LayOver(snapshot.image, kestrin_tools::ReadPng(options.background));
     kestrin_tools::WritePng(options.output, snapshot.image);
 }
 

@@ -69,8 +69,8 @@ Bytes ReadStream(std::FILE* file, std::size_t* length)
 /** The pixels of all frames; null unless the stream holds all that the header promises. */
 Bytes DecodeFrames(const UInt8* stream, std::size_t length, std::size_t size)
 {
-    std::size_t held = 0;
-    if (!CountDecoded(stream, length, size, &held) || held < size)
+    const StreamResult held = DecodeStream(stream, length, nullptr, size);
+    if (held.end != StreamEnd::Marker || held.written < size)
         return nullptr;
     Bytes pixels(new (std::nothrow) UInt8[size]);
     if (!pixels || !Image::Decode(stream, length, pixels.get(), size))
@@ -210,6 +210,11 @@ Image::Image(ColorMode color_mode, MetricValue width, MetricValue height, PtrCon
 Image::~Image()
 {
     Uninitialize();
+}
+
+int Image::Decode(const UInt8* buf_in, std::size_t len_in, UInt8* buf_out, std::size_t len_out)
+{
+    return DecodeStream(buf_in, len_in, buf_out, len_out).end == StreamEnd::Marker ? 1 : 0;
 }
 
 void Image::Initialize(const char* file_name)

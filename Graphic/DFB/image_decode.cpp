@@ -1,8 +1,6 @@
 /** The decompressor of image files: NRV2B with a bit buffer of one byte. */
 #include "image_decode_p.h"
 
-#include "image.h"
-
 #include <algorithm>
 #include <cstring>
 
@@ -32,6 +30,8 @@ public:
     /** Whether there is no whole byte left. */
     bool AtEnd() const { return _read >= _size; }
     UInt8 Byte() { return _data[_read++]; }
+    /** Bytes fetched. */
+    std::size_t Read() const { return _read; }
 
     /**
      * The next bit. The buffer keeps the fetched bits above a marker that tells when they are used
@@ -108,21 +108,25 @@ private:
     std::size_t _written = 0;
 };
 
-/** Reads an offset's high part; false when it is none. */
-bool ReadOffsetHigh(BitReader& in, UInt32* high)
+// Marker stands for success where a part of the stream is read.
+
+/** Reads an offset's high part. */
+StreamEnd ReadOffsetHigh(BitReader& in, UInt32* high)
 {
     UInt32 value = 1;
     do {
         value = value * 2 + in.Bit();
-        if (value > kMostOffsetHigh || in.AtEnd())
-            return false;
+        if (value > kMostOffsetHigh)
+            return StreamEnd::OffsetTooLarge;
+        if (in.AtEnd())
+            return StreamEnd::DataEnds;
     } while (!in.Bit());
     *high = value;
-    return true;
+    return StreamEnd::Marker;
 }
 
-/** Reads the length of a copy, less one; false when it passes the room or the data. */
-bool ReadLength(BitReader& in, std::size_t room, std::size_t* length)
+/** Reads the length of a copy, less one, which may not pass the room. */
+StreamEnd ReadLength(BitReader& in, std::size_t room, std::size_t* length)
 {
     std::size_t value = in.Bit();
     value = value * 2 + in.Bit();
@@ -130,65 +134,73 @@ bool ReadLength(BitReader& in, std::size_t room, std::size_t* length)
         value = 1;
         do {
             value = value * 2 + in.Bit();
-            if (in.AtEnd() || value >= room)
-                return false;
+            if (in.AtEnd())
+                return StreamEnd::DataEnds;
+            if (value >= room)
+                return StreamEnd::CopyTooLong;
         } while (!in.Bit());
         value += 2;
     }
     *length = value;
-    return true;
+    return StreamEnd::Marker;
 }
 
-/** Decodes to the end marker; false for a stream that does not get there. */
+/** Decodes to the end marker, if the stream gets there. */
 template <class Output>
-bool Run(BitReader in, Output& out)
+StreamEnd Run(BitReader& in, Output& out)
 {
     UInt32 last_offset = 1;
     for (;;) {
         while (in.Bit()) {
-            if (in.AtEnd() || out.Written() >= out.Room())
-                return false;
+            if (in.AtEnd())
+                return StreamEnd::DataEnds;
+            if (out.Written() >= out.Room())
+                return StreamEnd::OutputFull;
             out.Literal(in.Byte());
         }
         UInt32 offset = 0;
-        if (!ReadOffsetHigh(in, &offset))
-            return false;
+        StreamEnd part = ReadOffsetHigh(in, &offset);
+        if (part != StreamEnd::Marker)
+            return part;
         if (offset == 2) {
             offset = last_offset;
         } else {
             if (in.AtEnd())
-                return false;
+                return StreamEnd::DataEnds;
             offset = (offset - 3) * 256 + in.Byte();
             if (offset == kEndOffset)
-                return true;
+                return StreamEnd::Marker;
             last_offset = ++offset;
         }
         std::size_t length = 0;
-        if (!ReadLength(in, out.Room(), &length))
-            return false;
+        part = ReadLength(in, out.Room(), &length);
+        if (part != StreamEnd::Marker)
+            return part;
         if (offset > kFarOffset)
             ++length;
         // Without the byte that the copy takes on top: files depend on it.
-        if (out.Written() + length > out.Room() || offset > out.Written())
-            return false;
+        if (out.Written() + length > out.Room())
+            return StreamEnd::CopyTooLong;
+        if (offset > out.Written())
+            return StreamEnd::CopyTooFar;
         out.Repeat(offset, length + 1);
     }
 }
 
-} // namespace
-
-int Image::Decode(const UInt8* buf_in, std::size_t len_in, UInt8* buf_out, std::size_t len_out)
+template <class Output>
+StreamResult Decode(const UInt8* stream, std::size_t size, Output out)
 {
-    BufferOutput out(buf_out, len_out);
-    return Run(BitReader(buf_in, len_in), out) ? 1 : 0;
+    BitReader in(stream, size);
+    const StreamEnd end = Run(in, out);
+    return {end, in.Read(), out.Written()};
 }
 
-bool CountDecoded(const UInt8* stream, std::size_t size, std::size_t limit, std::size_t* count)
+} // namespace
+
+StreamResult DecodeStream(const UInt8* stream, std::size_t size, UInt8* out, std::size_t room)
 {
-    CountingOutput out(limit);
-    const bool decodes = Run(BitReader(stream, size), out);
-    *count = out.Written();
-    return decodes;
+    return out ? Decode(stream, size, BufferOutput(out, room))
+               : Decode(stream, size, CountingOutput(room));
 }
 
 } // namespace zelxxx

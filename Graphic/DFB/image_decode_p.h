@@ -1,4 +1,4 @@
-/** What the decompressor of image files tells beside Image::Decode. */
+/** The decompressor of image files. */
 #pragma once
 
 #include "ttypes.h"
@@ -7,14 +7,35 @@
 
 namespace zelxxx {
 
+/** More bytes than an image may have when unpacked, whatever a file's header says. */
+constexpr std::size_t kMostImageBytes = std::size_t{1} << 28;
+
+/** Why a decompressor stopped. */
+enum class StreamEnd
+{
+    Marker,        /**< all is decoded */
+    DataEnds,      /**< the data ends before the end marker */
+    OutputFull,    /**< a literal finds no room */
+    CopyTooLong,   /**< a copy finds no room */
+    CopyTooFar,    /**< a copy from before the first byte */
+    OffsetTooLarge /**< bits that are no offset */
+};
+
+/** How far a decompressor came. */
+struct StreamResult
+{
+    StreamEnd end;
+    std::size_t read;    /**< bytes fetched, at most one behind the data */
+    std::size_t written; /**< bytes decoded; one more than there is room for is possible */
+};
+
 /**
- * Goes through a stream without storing anything, so that nothing is allocated for a header before
- * it is known what the stream behind it holds.
+ * Decodes an NRV2B stream.
  *
- * @param limit  the length that Image::Decode would be given
- * @param count  receives the bytes the stream decodes to; one more than the limit is possible
- * @return whether Image::Decode would reach the end marker
+ * @param out   room for `room` bytes, of which those behind the result may be written; null stores
+ *              nothing, so that nothing need be allocated for a header before it is known what the
+ *              stream behind it holds
  */
-bool CountDecoded(const UInt8* stream, std::size_t size, std::size_t limit, std::size_t* count);
+StreamResult DecodeStream(const UInt8* stream, std::size_t size, UInt8* out, std::size_t room);
 
 } // namespace zelxxx

@@ -1,15 +1,13 @@
 /** PNG and JPEG pictures in memory. */
 #pragma once
 
+#include "image_decode_p.h"
 #include "tbase.h"
 
 #include <cstddef>
 #include <memory>
 
 namespace zelxxx {
-
-/** More bytes than an image may have when unpacked, whatever a file's header says. */
-constexpr std::size_t kMostImageBytes = std::size_t{1} << 28;
 
 /** A decoded picture. */
 struct Picture

@@ -1,5 +1,5 @@
 /**
- * Whole pictures: laying over, comparing, scaling, arranging.
+ * Whole pictures: comparing, scaling, arranging.
  */
 #include "picture.h"
 
@@ -7,22 +7,6 @@
 
 namespace kestrin_play {
 namespace {
-
-TEST(Picture, ATransparentScreenShowsTheBackground)
-{
-    const ArgbImage background = TestPicture(16, 9);
-    const ArgbImage screen(16, 9, 0x00FFFFFF);
-    EXPECT_EQ(Composed(screen, 255, background).pixels, background.pixels);
-    EXPECT_EQ(Composed(ArgbImage(16, 9, 0xFF123456), 0, background).pixels, background.pixels);
-}
-
-TEST(Picture, OpacityOfPixelAndLayerMultiply)
-{
-    const ArgbImage background(1, 1, 0xFF000000);
-    EXPECT_EQ(Composed(ArgbImage(1, 1, 0xFFFF8000), 255, background).At(0, 0), 0xFFFF8000);
-    EXPECT_EQ(Composed(ArgbImage(1, 1, 0x80FF00FF), 255, background).At(0, 0), 0xFF800080);
-    EXPECT_EQ(Composed(ArgbImage(1, 1, 0x80FF00FF), 128, background).At(0, 0), 0xFF400040);
-}
 
 TEST(Picture, TheTestPictureIsOpaqueAndReproducible)
 {

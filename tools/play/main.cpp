@@ -3,7 +3,9 @@
  */
 #include "player.h"
 
+#include "command_line.h"
 #include "display_setup.h"
+#include "lay_over.h"
 #include "png_file.h"
 
 #include <CLI/CLI.hpp>
@@ -15,13 +17,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <sstream>
 #include <stdexcept>
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace kestrin_play;
+using kestrin_tools::Wrapped;
 
 enum ExitCode
 {
@@ -96,22 +98,6 @@ std::string CheckEncoding(const std::string& name)
     return FindEncoding(name) ? "" : "unknown encoding " + name + "; one of " + EncodingNames();
 }
 
-/** Breaks a description into lines that leave room for the options' names. */
-std::string Wrapped(const std::string& text)
-{
-    constexpr std::size_t line_limit = 68;
-    std::string wrapped;
-    std::size_t line = 0;
-    std::istringstream words(text);
-    for (std::string word; words >> word; line += word.size() + 1) {
-        const bool fits = line + word.size() <= line_limit;
-        if (!fits)
-            line = 0;
-        wrapped += (wrapped.empty() ? "" : fits ? " " : "\n") + word;
-    }
-    return wrapped;
-}
-
 void Declare(CLI::App& app, Arguments& arguments)
 {
     app.add_option("file", arguments.file, "The SubRip file (.srt)")->required()->type_name("FILE");
@@ -171,9 +157,10 @@ ArgbImage Background(const Arguments& arguments, const ScreenFormat& format)
 {
     if (arguments.background.empty())
         return TestPicture(format.width, format.height);
-    const ArgbImage video =
+    ArgbImage video =
         Scaled(kestrin_tools::ReadPng(arguments.background), format.width, format.height);
-    return Composed(video, 255, ArgbImage(format.width, format.height, 0xFF000000));
+    kestrin_tools::LayOver(video, ArgbImage(1, 1, 0xFF000000));
+    return video;
 }
 
 /** Path and start of the names of the pictures; makes the directory. */

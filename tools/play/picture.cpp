@@ -117,25 +117,6 @@ ArgbImage Scaled(const ArgbImage& image, int width, int height)
     return scaled;
 }
 
-ArgbImage Composed(const ArgbImage& screen, int layer_opacity, const ArgbImage& background)
-{
-    assert(screen.width == background.width && screen.height == background.height);
-    const auto opacity = static_cast<std::uint32_t>(layer_opacity);
-    ArgbImage image(screen.width, screen.height);
-    for (std::size_t i = 0; i < image.pixels.size(); ++i) {
-        const std::uint32_t front = screen.pixels[i];
-        const std::uint32_t back = background.pixels[i];
-        const std::uint32_t alpha = (front >> 24) * opacity / 255;
-        const auto channel = [&](int shift) {
-            const std::uint32_t sum =
-                Channel(front, shift) * alpha + Channel(back, shift) * (255 - alpha);
-            return (sum + 127) / 255 << shift;
-        };
-        image.pixels[i] = 0xFF000000 | channel(16) | channel(8) | channel(0);
-    }
-    return image;
-}
-
 Change Compare(const ArgbImage& before, const ArgbImage& after)
 {
     assert(before.width == after.width && before.height == after.height);

@@ -1,6 +1,6 @@
 /**
- * What the player does with whole pictures: a stand-in for video, laying the screen over it,
- * comparing screens and arranging small copies on a sheet.
+ * What the player does with whole pictures: a stand-in for video, comparing screens and
+ * arranging small copies on a sheet.
  */
 #pragma once
 
@@ -19,9 +19,6 @@ ArgbImage TestPicture(int width, int height);
 
 /** A copy of another size; each pixel is the mean of the area it stands for. */
 ArgbImage Scaled(const ArgbImage& image, int width, int height);
-
-/** The screen over a background of the same size, as a viewer sees it. Opaque. */
-ArgbImage Composed(const ArgbImage& screen, int layer_opacity, const ArgbImage& background);
 
 /** Shares of a picture, 0 to 1. */
 struct Change

@@ -2,6 +2,7 @@
 
 #include "srt.h"
 
+#include "lay_over.h"
 #include "png_file.h"
 
 #include <algorithm>
@@ -131,8 +132,9 @@ void Player::WritePictures(int count)
 {
     if (count == 0)
         return;
-    const ArgbImage picture =
-        Composed(_seen->image, static_cast<int>(_seen->facts.opacity), _background);
+    ArgbImage picture = _seen->image;
+    kestrin_tools::Fade(picture, _seen->facts.opacity);
+    kestrin_tools::LayOver(picture, _background);
     for (; count > 0; --count) {
         char number[24];
         std::snprintf(number, sizeof number, "-%03d.png", ++_result.pictures);

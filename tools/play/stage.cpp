@@ -1,7 +1,8 @@
 #include "stage.h"
 
 #include "layout.h"
-#include "palette.h"
+
+#include "engine_palette.h"
 
 #include <algorithm>
 #include <cmath>
@@ -75,7 +76,8 @@ Stage::Stage(const ScreenFormat& format)
 
 void Stage::LoadPalette()
 {
-    const ZELObjPtr<zelxxx::IPalette> palette(CreateFixedPalette());
+    const ZELObjPtr<zelxxx::IPalette> palette(
+        kestrin_tools::CreatePalette(kestrin_tools::FixedPalette()));
     constexpr UInt16 unchanged = 256;
     _scene->SetPalette(palette, unchanged, unchanged, unchanged);
 }

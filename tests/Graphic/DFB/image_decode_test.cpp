@@ -20,8 +20,10 @@
 using kestrin_test::GuardedBuffer;
 using kestrin_test::Nrv2bStream;
 using kestrin_test::SeededRandom;
-using zelxxx::CountDecoded;
+using zelxxx::DecodeStream;
 using zelxxx::Image;
+using zelxxx::StreamEnd;
+using zelxxx::StreamResult;
 using zelxxx::UInt32;
 using zelxxx::UInt8;
 
@@ -125,11 +127,12 @@ void ExpectAsByTheRules(const std::string& stream, std::size_t room, GuardedBuff
     const GuardedBuffer out(room, tight);
     std::copy(stream.begin(), stream.end(), in.Data());
     ASSERT_EQ(Image::Decode(in.Data(), in.Size(), out.Data(), room), decodes ? 1 : 0);
-    std::size_t count = 0;
-    ASSERT_EQ(CountDecoded(in.Data(), in.Size(), room, &count), decodes);
+    const StreamResult counted = DecodeStream(in.Data(), in.Size(), nullptr, room);
+    ASSERT_EQ(counted.end == StreamEnd::Marker, decodes);
     if (decodes) {
-        ASSERT_EQ(count, zero.Count());
-        ASSERT_TRUE(std::string(out.Data(), out.Data() + std::min(room, count)) == zero.Output());
+        ASSERT_EQ(counted.written, zero.Count());
+        ASSERT_TRUE(std::string(out.Data(), out.Data() + std::min(room, counted.written)) ==
+                    zero.Output());
     }
 }
 
@@ -253,6 +256,37 @@ TEST(ImageDecode, EveryTruncationOfAHandWrittenStreamFails)
         EXPECT_FALSE(Decoded(stream.substr(0, length), 321)) << length;
         ExpectAsByTheRules(stream.substr(0, length), 321, GuardedBuffer::AtEnd);
     }
+}
+
+/** How a stream ends, how much of it is read and how much it gives. */
+void ExpectEnd(const std::string& stream, std::size_t room, StreamEnd end, std::size_t read,
+               std::size_t written)
+{
+    const auto* bytes = reinterpret_cast<const UInt8*>(stream.data());
+    std::vector<UInt8> out(room);
+    for (UInt8* to : {static_cast<UInt8*>(nullptr), out.data()}) {
+        const StreamResult result = DecodeStream(bytes, stream.size(), to, room);
+        EXPECT_EQ(result.end, end);
+        EXPECT_EQ(result.read, read);
+        EXPECT_EQ(result.written, written);
+    }
+}
+
+TEST(ImageDecode, TellsWhyAndWhereItStops)
+{
+    const std::string good = Nrv2bStream().Literals("abc").Copy(3, 5).End().Bytes();
+    ExpectEnd(good, 9, StreamEnd::Marker, good.size(), 8);
+    ExpectEnd(good + "more", 8, StreamEnd::Marker, good.size(), 8);
+    ExpectEnd(good, 2, StreamEnd::OutputFull, 3, 2);
+    ExpectEnd(good, 6, StreamEnd::CopyTooLong, 6, 3);
+    ExpectEnd(good.substr(0, 2), 8, StreamEnd::DataEnds, 2, 1);
+    ExpectEnd(good.substr(0, good.size() - 1), 8, StreamEnd::DataEnds, good.size() - 1, 8);
+    ExpectEnd(Nrv2bStream().Literals("ab").Copy(3, 3).End().Bytes(), 8, StreamEnd::CopyTooFar, 4,
+              2);
+    ExpectEnd(Nrv2bStream().Literal('a').Bit(0).Number(0x1000003).Byte(0).Bytes(), 8,
+              StreamEnd::OffsetTooLarge, 8, 1);
+    Nrv2bStream longest = Nrv2bStream().Literal('a').Bit(0).Number(3).Byte(0).Bit(0).Bit(0);
+    ExpectEnd(longest.Number(1000).End().Bytes(), 8, StreamEnd::CopyTooLong, 4, 1);
 }
 
 // ---- What UCL compresses

@@ -1,0 +1,22 @@
+#include "command_line.h"
+
+#include <sstream>
+
+namespace kestrin_tools {
+
+std::string Wrapped(const std::string& text)
+{
+    constexpr std::size_t line_limit = 68;
+    std::string wrapped;
+    std::size_t line = 0;
+    std::istringstream words(text);
+    for (std::string word; words >> word; line += word.size() + 1) {
+        const bool fits = line + word.size() <= line_limit;
+        if (!fits)
+            line = 0;
+        wrapped += (wrapped.empty() ? "" : fits ? " " : "\n") + word;
+    }
+    return wrapped;
+}
+
+} // namespace kestrin_tools

@@ -1,0 +1,21 @@
+/**
+ * What the tools' command lines have in common.
+ */
+#pragma once
+
+#include <string>
+
+namespace kestrin_tools {
+
+/** How the tools end. */
+enum ExitCode
+{
+    ExitDone = 0,
+    ExitProblem = 1, ///< something could not be done, or problems were found
+    ExitUsage = 2    ///< wrong arguments
+};
+
+/** Breaks a description into lines that leave room for the options' names. */
+std::string Wrapped(const std::string& text);
+
+} // namespace kestrin_tools
