@@ -30,12 +30,13 @@ std::string BytesOf(const char* name)
 
 } // namespace
 
-Screen::Screen(std::string folder)
-    : _folder(std::move(folder)), _file(_folder + "/.screen"), _font(BytesOf(kFont))
+Screen::Screen(std::string picture_folder, MetricValue screen_width, MetricValue screen_height)
+    : width(screen_width), height(screen_height), folder(std::move(picture_folder)),
+      _file(folder + "/.screen"), _font(BytesOf(kFont))
 {
     if (_font.empty())
         throw std::runtime_error(std::string(kFont) + " cannot be read; scripts/setup installs it");
-    std::filesystem::create_directories(_folder);
+    std::filesystem::create_directories(folder);
     if (kestrin_display::UseScreenFile(_file, width, height) !=
         kestrin_display::SetupResult::Applied)
         throw std::runtime_error("DFBARGS chooses the display; unset it to have pictures");
@@ -61,15 +62,17 @@ kestrin_display::ArgbImage Screen::Update()
 
 void Screen::Picture(const std::string& name)
 {
-    const std::string path = _folder + "/" + name + ".png";
+    const std::string path = folder + "/" + name + ".png";
     kestrin_tools::WritePng(path, Update());
     std::printf("%s\n", path.c_str());
 }
 
-int RunExample(int argc, char** argv, void (*show)(Screen& screen))
+int RunExample(int argc, char** argv, void (*show)(Screen& screen), MetricValue width,
+               MetricValue height)
 {
     try {
-        Screen screen(argc > 1 ? argv[1] : std::filesystem::path(argv[0]).filename().string());
+        const std::string name = std::filesystem::path(argv[0]).filename();
+        Screen screen(argc > 1 ? argv[1] : name, width, height);
         show(screen);
         return 0;
     } catch (const std::exception& error) {

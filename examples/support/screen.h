@@ -17,12 +17,13 @@
 
 namespace kestrin_examples {
 
-/** A display in a file, with the engine on it in true colour. One in a process. */
+/** A display in a file, with the engine on it in true colour; one in a process. Sizes in pixels. */
 class Screen
 {
 public:
     /** Makes the folder if needed; the display's file is in it until the screen ends. */
-    explicit Screen(std::string folder);
+    Screen(std::string picture_folder, zelxxx::MetricValue screen_width,
+           zelxxx::MetricValue screen_height);
     ~Screen();
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
@@ -35,11 +36,11 @@ public:
     /** Writes the same to NAME.png in the folder. */
     void Picture(const std::string& name);
 
-    const zelxxx::MetricValue width = 1280;
-    const zelxxx::MetricValue height = 720;
+    const zelxxx::MetricValue width;
+    const zelxxx::MetricValue height;
+    const std::string folder;
 
 private:
-    const std::string _folder;
     const std::string _file;
     std::string _font;
     zelxxx::PResource _fonts; // of the bytes in _font
@@ -51,7 +52,8 @@ private:
  *
  * The pictures go to the folder named on the command line, or to one named after the program.
  */
-int RunExample(int argc, char** argv, void (*show)(Screen& screen));
+int RunExample(int argc, char** argv, void (*show)(Screen& screen),
+               zelxxx::MetricValue width = 1280, zelxxx::MetricValue height = 720);
 
 /** Places characters side by side in the middle of a text widget, or from its left edge on. */
 class OneLine : public zelxxx::ITextFormater

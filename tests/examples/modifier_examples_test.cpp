@@ -64,7 +64,7 @@ class ModifierExamples : public testing::Test
 {
 protected:
     /** Runs an example, which is to leave these pictures and nothing else, and reads them. */
-    std::vector<ArgbImage> Run(const std::string& example, std::vector<std::string> names)
+    std::vector<ArgbImage> PicturesOf(const std::string& example, std::vector<std::string> names)
     {
         const std::string folder = directory.Path("pictures");
         const auto outcome =
@@ -91,7 +91,7 @@ protected:
 
 TEST_F(ModifierExamples, MoveToSlidesTheBannerIn)
 {
-    const auto pictures = Run("move_to", {"1-hidden", "2-half-way", "3-shown"});
+    const auto pictures = PicturesOf("move_to", {"1-hidden", "2-half-way", "3-shown"});
     constexpr std::uint32_t stripe = 0xffa030; // at the banner's left edge
     EXPECT_EQ(std::count(pictures[0].pixels.begin(), pictures[0].pixels.end(), 0u), 1280 * 720);
     const Area half = Find(pictures[1], stripe);
@@ -106,7 +106,7 @@ TEST_F(ModifierExamples, MoveToSlidesTheBannerIn)
 
 TEST_F(ModifierExamples, TranslateScrollsThePageAndLeavesItsHead)
 {
-    const auto pictures = Run("translate", {"1-top", "2-between", "3-end"});
+    const auto pictures = PicturesOf("translate", {"1-top", "2-between", "3-end"});
     constexpr std::uint32_t row = 0xe6142440;
     for (const ArgbImage& picture : pictures) {
         EXPECT_TRUE(AreaHasColor(picture, 160, 60, 180, 150, 0xff204880));
@@ -133,7 +133,8 @@ TEST_F(ModifierExamples, TranslateScrollsThePageAndLeavesItsHead)
 
 TEST_F(ModifierExamples, PerspectiveShrinksWhatIsFartherTowardsTheEyesPoint)
 {
-    const auto pictures = Run("perspective", {"1-flat", "2-perspective", "3-from-the-right"});
+    const auto pictures =
+        PicturesOf("perspective", {"1-flat", "2-perspective", "3-from-the-right"});
     // The cards' pictures, from the nearest to the farthest.
     constexpr std::uint32_t colors[] = {0xe6503c, 0xf09628, 0x3cb450, 0x28a0b4, 0x326edc, 0x8c3cb4};
     for (const std::uint32_t color : colors) {
@@ -159,7 +160,7 @@ TEST_F(ModifierExamples, PerspectiveShrinksWhatIsFartherTowardsTheEyesPoint)
 
 TEST_F(ModifierExamples, SpaceScaleOpensAGapBeneathTheFocusedItem)
 {
-    const auto pictures = Run("space_scale", {"1-closed", "2-first-open", "3-third-open"});
+    const auto pictures = PicturesOf("space_scale", {"1-closed", "2-first-open", "3-third-open"});
     // Rows of an item's colour at its left edge, by the pixel they begin at.
     const auto tops = [](const ArgbImage& picture) {
         std::vector<int> found;
@@ -186,7 +187,7 @@ TEST_F(ModifierExamples, SpaceScaleOpensAGapBeneathTheFocusedItem)
 
 TEST_F(ModifierExamples, FadingLowersTheOpacityWithTheDistanceFromTheMiddle)
 {
-    const auto pictures = Run("fading", {"1-without", "2-first", "3-fifth"});
+    const auto pictures = PicturesOf("fading", {"1-without", "2-first", "3-fifth"});
     constexpr int y = 550;
     for (int i = 0; i < 4; ++i)
         EXPECT_EQ(Alpha(pictures[0].At(640 + 170 * i, y)), 255u) << i;
