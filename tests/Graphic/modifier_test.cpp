@@ -354,6 +354,62 @@ TEST_F(ModifierKinds, FadingWithoutSpansWritesTheCentreBackUnchanged)
     EXPECT_EQ(widget->DirtyState, WidgetBase::StateFaded);
 }
 
+/** A widget that notes what is written to it, and whether anything is read after that. */
+class Recorder : public Widget
+{
+public:
+    void SetAttribute(AttrIndex index, AttrValue value) override
+    {
+        writes.push_back(index);
+        Widget::SetAttribute(index, value);
+    }
+    AttrValue GetAttribute(AttrIndex index) override
+    {
+        read_late = read_late || !writes.empty();
+        return Widget::GetAttribute(index);
+    }
+
+    std::vector<AttrIndex> writes;
+    bool read_late = false;
+};
+
+template <class Kind>
+std::vector<AttrIndex> WritesOf(const Attributes& own)
+{
+    ZELObjPtr<Kind> modifier(new Kind);
+    for (const auto& [index, value] : own)
+        modifier->SetAttribute(index, value);
+    Held<Recorder> recorder;
+    modifier->Modify(&*recorder);
+    EXPECT_FALSE(recorder->read_late);
+    return recorder->writes;
+}
+
+TEST(ModifierWrites, FollowAllReadsAndComeInEachKindsOrder)
+{
+    using Writes = std::vector<AttrIndex>;
+    EXPECT_EQ(WritesOf<TranslateModifier>({}), (Writes{AttrPosX, AttrPosY, AttrPosZ}));
+    EXPECT_EQ(WritesOf<MoveToModifier>({}), (Writes{AttrPosX, AttrPosY}));
+    const Writes projected = {AttrPosX, AttrPosY, AttrScaleX, AttrScaleY};
+    EXPECT_EQ(WritesOf<PerspectiveModifier>({}), projected);
+    EXPECT_EQ(WritesOf<PerspectiveModifier>({{AttrPosZ, -1000}}), projected) << "the eye's plane";
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({}), Writes());
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({{AttrSpanX, 1}}), Writes{AttrPosX});
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({{AttrSpanY, 1}}), Writes{AttrPosY});
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({{AttrSpanX, 1}, {AttrSpanY, 1}}),
+              (Writes{AttrPosX, AttrPosY}));
+    EXPECT_EQ(WritesOf<FadingModifier>({}), Writes{AttrBlend});
+    EXPECT_EQ(WritesOf<FadingModifier>({{AttrPosX, 1}}), Writes());
+}
+
+TEST(ModifierWrites, OfTheBaseAreNone)
+{
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    Held<Recorder> recorder;
+    modifier->ModifierBase::Modify(&*recorder);
+    EXPECT_EQ(recorder->writes, std::vector<AttrIndex>());
+}
+
 template <class Kind>
 class EveryModifier : public testing::Test
 {
