@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -70,7 +71,7 @@ public:
                 squares += at->count * value * value;
             }
             const double mean = sum / count;
-            _mean |= static_cast<Rgb>(mean + 0.5) << shift;
+            _mean |= static_cast<Rgb>(std::lround(mean)) << shift;
             const double error = squares - sum * mean;
             if (error <= _error)
                 continue;

@@ -280,6 +280,13 @@ TEST_F(ModifierKinds, PerspectiveInTheEyesPlanePlacesAtThePointAndLeavesTheScale
     EXPECT_EQ(widget->GetAttribute(AttrPosZ), 1010);
 }
 
+TEST_F(ModifierKinds, PerspectiveFindsAnEyesPlaneThatWrapsAround)
+{
+    Place(50, 60, 32767 + 1000 - 65536);
+    Run<PerspectiveModifier>({{AttrPosX, 7}, {AttrPosY, 8}, {AttrPosZ, 32767}});
+    ExpectPlace(7, 8);
+}
+
 TEST_F(ModifierKinds, PerspectiveByDefaultChangesPositionsOnly)
 {
     Place(100, -40, 500);
@@ -420,18 +427,18 @@ TYPED_TEST_SUITE(EveryModifier, Kinds);
 
 TYPED_TEST(EveryModifier, DoesNothingWhileDisabled)
 {
-    SeededRandom random;
     ZELObjPtr<TypeParam> modifier(new TypeParam);
-    Held<Widget> widget;
+    Held<Recorder> widget;
     for (int index = AttrPosX; index <= AttrDstColorKey; ++index)
         modifier->SetAttribute(static_cast<AttrIndex>(index), 300);
-    const Attributes before = Randomize(static_cast<IWidget*>(&*widget), random, kWidgetAttributes);
-    widget->DirtyState = 0;
+    widget->PosX = 310; // within the bands and boxes
+    widget->PosY = 320;
     modifier->Enable(false);
     modifier->Modify(&*widget);
-    for (const auto& [index, value] : before)
-        EXPECT_EQ(widget->GetAttribute(index), value);
-    EXPECT_EQ(widget->DirtyState, 0);
+    EXPECT_EQ(widget->writes, std::vector<AttrIndex>());
+    modifier->Enable(true);
+    modifier->Modify(&*widget);
+    EXPECT_NE(widget->writes, std::vector<AttrIndex>());
 }
 
 TYPED_TEST(EveryModifier, CountStartsAtZero)

@@ -113,13 +113,13 @@ TEST_F(WidgetModifiers, AddMakesOneHeldCopy)
     rectangle->AddModifier(static_cast<IModifier*>(first));
     WidgetBase* copy = rectangle->Modified;
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(copy->Hold(), 2);
-    copy->Release();
+    EXPECT_EQ(copy->Hold(), 2); // held on, so that no other copy can get its address
     EXPECT_EQ(static_cast<Rectangle*>(copy)->GetAttribute(AttrColor), 0x123456);
     EXPECT_EQ(copy->ParentScene, nullptr);
     EXPECT_EQ(copy->ParentLayer, nullptr);
     rectangle->AddModifier(static_cast<IModifier*>(second));
     EXPECT_EQ(rectangle->Modified, copy);
+    EXPECT_EQ(copy->Release(), 1);
 }
 
 TEST_F(WidgetModifiers, AddTakesAModifierOutOfAnotherWidget)
@@ -483,10 +483,10 @@ TEST_F(LayerModifiers, ChildThatComesBackKeepsTheSameCopy)
 {
     layer->AddModifier(first);
     WidgetBase* copy = rectangle->Modified;
+    EXPECT_EQ(copy->Hold(), 2); // held on, so that no other copy can get its address
     layer->AddWidget(rectangle);
     EXPECT_EQ(rectangle->Modified, copy);
-    EXPECT_EQ(copy->Hold(), 2);
-    copy->Release();
+    EXPECT_EQ(copy->Release(), 1);
 }
 
 TEST_F(LayerModifiers, PlainWidgetAmongTheChildrenIsLeftAlone)

@@ -106,10 +106,11 @@ struct Seen
     std::uint32_t Faded(std::uint32_t face) const
     {
         std::uint32_t faded = 0;
-        for (const unsigned shift : {16U, 8U, 0U})
-            faded |= static_cast<std::uint32_t>(Channel(face, shift) * opacity +
-                                                Channel(kBackdrop, shift) * (1 - opacity) + 0.5)
-                     << shift;
+        for (const unsigned shift : {16U, 8U, 0U}) {
+            const double channel =
+                Channel(face, shift) * opacity + Channel(kBackdrop, shift) * (1 - opacity);
+            faded |= static_cast<std::uint32_t>(std::lround(channel)) << shift;
+        }
         return faded;
     }
     double scale, x, ground, opacity;

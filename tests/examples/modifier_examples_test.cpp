@@ -151,7 +151,7 @@ TEST_F(ModifierExamples, PerspectiveShrinksWhatIsFartherTowardsTheEyesPoint)
             EXPECT_GT(farther.top, 300) << i;
         }
         // 200 behind the plane of size 1: 1000 / 1200 of it.
-        EXPECT_NEAR(Find(pictures[picture], colors[1]).Height(), 188 * 1000 / 1200, 2);
+        EXPECT_NEAR(Find(pictures[picture], colors[1]).Height(), 188 / 1.2, 2);
     }
     // Seen from the right, the far end moves there, and depth 0 stays.
     EXPECT_EQ(Find(pictures[2], colors[0]).left, Find(pictures[1], colors[0]).left);
@@ -193,7 +193,7 @@ TEST_F(ModifierExamples, FadingLowersTheOpacityWithTheDistanceFromTheMiddle)
         EXPECT_EQ(Alpha(pictures[0].At(640 + 170 * i, y)), 255u) << i;
     // The first is in the middle, the others farther and farther away: 255 * (1 - 170 i / 720).
     for (int i = 0; i < 4; ++i)
-        EXPECT_NEAR(Alpha(pictures[1].At(640 + 170 * i, y)), 255 - 255 * 170 * i / 720, 2) << i;
+        EXPECT_NEAR(Alpha(pictures[1].At(640 + 170 * i, y)), 255 * (1 - 170 * i / 720.0), 2) << i;
     // Scrolled to the fifth, both ends fade alike, and the very ends are faintest.
     EXPECT_EQ(Alpha(pictures[2].At(640, y)), 255u);
     for (int i = 1; i < 4; ++i) {
