@@ -4,6 +4,7 @@
 #include "test_modifier.h"
 #include "vrel_kestrin_anim.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -40,6 +41,101 @@ protected:
 
     ZELObjPtr<IWidget> red = MakeRectangle(10, 10, 8, 8, kRed);
 };
+
+/** Every kind, with a probe on a widget that tells whether an update took place. */
+template <class Kind>
+class ModifierAsking : public SceneTest
+{
+protected:
+    ModifierAsking()
+    {
+        layer->AddWidget(red);
+        red->AddModifier(new TestModifier([this](IWidget*) { ++updates; }));
+        modifier = new Kind;
+    }
+
+    /** Whether the next update does anything. */
+    bool Asked()
+    {
+        updates = 0;
+        scene->Update(false, true);
+        return updates > 0;
+    }
+
+    int updates = 0;
+    ZELObjPtr<IWidget> red = MakeRectangle(10, 10, 8, 8, kRed);
+    ZELObjPtr<IModifier> modifier;
+};
+using Kinds = testing::Types<TranslateModifier, PerspectiveModifier, SpaceScaleModifier,
+                             MoveToModifier, FadingModifier>;
+TYPED_TEST_SUITE(ModifierAsking, Kinds);
+
+TYPED_TEST(ModifierAsking, AttributeOfAnUnattachedOneIsStoredAndMarksNothing)
+{
+    this->Repainted();
+    this->modifier->SetAttribute(AttrPosX, 7);
+    this->modifier->Enable(false);
+    EXPECT_EQ(this->modifier->GetAttribute(AttrPosX), 7);
+    EXPECT_FALSE(this->Asked());
+}
+
+TYPED_TEST(ModifierAsking, EachOwnAttributeAsksForAnUpdateAlsoWithTheOldValue)
+{
+    this->red->AddModifier(this->modifier);
+    this->Repainted();
+    int own = 0;
+    for (int i = AttrNone; i <= AttrDstColorKey; ++i) {
+        const auto index = static_cast<AttrIndex>(i);
+        this->modifier->SetAttribute(index, 3);
+        const bool is_own = this->modifier->GetAttribute(index) == 3;
+        EXPECT_EQ(this->Asked(), is_own) << i;
+        this->modifier->SetAttribute(index, 3);
+        EXPECT_EQ(this->Asked(), is_own) << i << " again";
+        own += is_own;
+    }
+    EXPECT_GE(own, 3);
+}
+
+TYPED_TEST(ModifierAsking, EnableAsksOnlyForAChange)
+{
+    this->red->AddModifier(this->modifier);
+    this->Repainted();
+    this->modifier->Enable(true);
+    EXPECT_FALSE(this->Asked());
+    this->modifier->Enable(false);
+    EXPECT_TRUE(this->Asked());
+    this->modifier->Enable(false);
+    EXPECT_FALSE(this->Asked());
+    this->modifier->Enable(true);
+    EXPECT_TRUE(this->Asked());
+}
+
+TYPED_TEST(ModifierAsking, OneOnALayerAsksToo)
+{
+    this->layer->AddModifier(this->modifier);
+    this->Repainted();
+    this->modifier->SetAttribute(AttrPosX, 0);
+    EXPECT_TRUE(this->Asked());
+}
+
+TYPED_TEST(ModifierAsking, OneOnAWidgetOutsideOfScenesAsksNobody)
+{
+    ZELObjPtr<IWidget> outside = MakeRectangle(0, 0, 1, 1, kGreen);
+    outside->AddModifier(this->modifier);
+    this->Repainted();
+    this->modifier->SetAttribute(AttrPosX, 0);
+    EXPECT_FALSE(this->Asked());
+}
+
+TYPED_TEST(ModifierAsking, OneThatIsDetachedAsksNobody)
+{
+    this->red->AddModifier(this->modifier);
+    this->red->RemoveModifier(this->modifier);
+    this->Repainted();
+    this->modifier->SetAttribute(AttrPosX, 0);
+    this->modifier->Enable(false);
+    EXPECT_FALSE(this->Asked());
+}
 
 TEST_F(ModifierScene, TranslatedWidgetLeavesItsOldPlaceAndShowsAtTheNew)
 {
@@ -225,6 +321,123 @@ TEST_F(ModifierScene, ModifierOfALayerMovesALayerWithItsChildren)
     ExpectSquare(30, 30, Shown(kBlue));
     ExpectSquare(35, 10, Shown(kRed));
     ExpectSquare(5, 30, kGrey);
+}
+
+TEST_F(ModifierScene, PerspectiveScalesWhatIsInALayer)
+{
+    PLayer inner = MakeLayer();
+    inner->SetAttribute(AttrPosX, 10);
+    inner->SetAttribute(AttrPosY, 5);
+    inner->SetAttribute(AttrPosZ, 500);
+    ZELObjPtr<IWidget> blue = MakeRectangle(4, 4, 6, 8, kBlue);
+    inner->AddWidget(blue);
+    layer->RemoveWidget(red);
+    layer->AddWidget(inner);
+    Updated();
+    ZELObjPtr<PerspectiveModifier> modifier(new PerspectiveModifier);
+    layer->AddModifier(modifier);
+    modifier->SetAttribute(AttrScaleX, 256);
+    modifier->SetAttribute(AttrScaleY, 256);
+    // Twice as far from the corner and twice as large: (20, 10) + 2 * (4, 4), 12 x 16.
+    const auto shot = Updated();
+    EXPECT_TRUE(kestrin_test::AreaHasColor(shot, 28, 18, 40, 34, Shown(kBlue)));
+    EXPECT_EQ(std::count(shot.pixels.begin(), shot.pixels.end(), Shown(kBlue)), 12 * 16);
+}
+
+TEST_F(ModifierScene, FadingReachesWhatIsInALayer)
+{
+    PLayer inner = MakeLayer();
+    inner->SetAttribute(AttrPosX, 20);
+    ZELObjPtr<IWidget> blue = MakeRectangle(4, 4, 8, 8, kBlue);
+    inner->AddWidget(blue);
+    layer->AddWidget(inner);
+    Repainted();
+    ZELObjPtr<FadingModifier> modifier(new FadingModifier);
+    layer->AddModifier(modifier);
+    modifier->SetAttribute(AttrSpanX, 40);
+    modifier->SetAttribute(AttrSpanY, 40);
+    // Half way is half the opacity, and lets half of the grey through.
+    EXPECT_NEAR(Updated().At(26, 6) >> 16 & 0xff, 0x40, 2);
+    modifier->SetAttribute(AttrSpanX, 20); // at the rim
+    EXPECT_EQ(Updated().At(26, 6), kGrey);
+    modifier->SetAttribute(AttrPosX, 20); // in the middle
+    EXPECT_EQ(Updated().At(26, 6), Shown(kBlue));
+}
+
+TEST_F(ModifierScene, ModifiersOfNestedLayersAndOfTheWidgetAddUp)
+{
+    PLayer inner = MakeLayer();
+    ZELObjPtr<IWidget> blue = MakeRectangle(1, 1, 8, 8, kBlue);
+    inner->AddWidget(blue);
+    layer->AddWidget(inner);
+    layer->RemoveWidget(red);
+    std::vector<ZELObjPtr<IModifier>> shifts;
+    for (IWidget* owner : {static_cast<IWidget*>(layer), static_cast<IWidget*>(inner),
+                           static_cast<IWidget*>(blue)}) {
+        shifts.emplace_back(new TranslateModifier);
+        owner->AddModifier(shifts.back());
+    }
+    shifts[0]->SetAttribute(AttrPosX, 30);
+    shifts[1]->SetAttribute(AttrPosX, 10);
+    shifts[1]->SetAttribute(AttrPosY, 10);
+    shifts[2]->SetAttribute(AttrPosY, 20);
+    Updated();
+    ExpectSquare(41, 31, Shown(kBlue));
+    ExpectSquare(1, 1, kGrey);
+    shifts[1]->Enable(false);
+    inner->SetAttribute(AttrPosX, 0); // marks what is in it
+    Updated();
+    ExpectSquare(31, 21, Shown(kBlue));
+    ExpectSquare(41, 31, kGrey);
+}
+
+TEST_F(ModifierScene, OneThatMovesFromALayerToAWidgetActsOnThatOnly)
+{
+    ZELObjPtr<IWidget> green = MakeRectangle(10, 30, 8, 8, kGreen);
+    layer->AddWidget(green);
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    modifier->SetAttribute(AttrPosX, 20);
+    layer->AddModifier(modifier);
+    Updated();
+    ExpectSquare(30, 10, Shown(kRed));
+    ExpectSquare(30, 30, Shown(kGreen));
+    green->AddModifier(modifier);
+    modifier->SetAttribute(AttrPosX, 25);
+    Updated();
+    ExpectSquare(10, 10, Shown(kRed));
+    ExpectSquare(35, 30, Shown(kGreen));
+    ExpectSquare(30, 10, kGrey);
+}
+
+TEST_F(ModifierScene, ChildThatLeavesAModifiedLayerShowsItsOwnPlace)
+{
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    modifier->SetAttribute(AttrPosX, 20);
+    layer->AddModifier(modifier);
+    Updated();
+    ExpectSquare(30, 10, Shown(kRed));
+    PLayer plain = MakeLayer();
+    scene->AddLayer(plain);
+    plain->AddWidget(red);
+    red->SetAttribute(AttrPosY, 20);
+    Updated();
+    ExpectSquare(10, 20, Shown(kRed));
+    ExpectSquare(30, 10, kGrey);
+}
+
+TEST_F(ModifierScene, OneThatEndsWhileAttachedHasNoEffectAnyMore)
+{
+    auto* modifier = new TranslateModifier;
+    modifier->SetAttribute(AttrPosX, 20);
+    red->AddModifier(modifier);
+    red->SetAttribute(AttrPosY, 11);
+    Updated();
+    ExpectSquare(30, 11, Shown(kRed));
+    static_cast<IModifier*>(modifier)->Release(); // the widget's own reference
+    red->SetAttribute(AttrPosY, 12);
+    Updated();
+    ExpectSquare(10, 12, Shown(kRed));
+    ExpectSquare(30, 12, kGrey);
 }
 
 /** A modifier of some kind with some parameters that keep widgets near the scene. */

@@ -280,6 +280,13 @@ TEST_F(ModifierKinds, PerspectiveInTheEyesPlanePlacesAtThePointAndLeavesTheScale
     EXPECT_EQ(widget->GetAttribute(AttrPosZ), 1010);
 }
 
+TEST_F(ModifierKinds, PerspectiveFindsAnEyesPlaneThatWrapsAround)
+{
+    Place(50, 60, 32767 + 1000 - 65536);
+    Run<PerspectiveModifier>({{AttrPosX, 7}, {AttrPosY, 8}, {AttrPosZ, 32767}});
+    ExpectPlace(7, 8);
+}
+
 TEST_F(ModifierKinds, PerspectiveByDefaultChangesPositionsOnly)
 {
     Place(100, -40, 500);
@@ -354,6 +361,62 @@ TEST_F(ModifierKinds, FadingWithoutSpansWritesTheCentreBackUnchanged)
     EXPECT_EQ(widget->DirtyState, WidgetBase::StateFaded);
 }
 
+/** A widget that notes what is written to it, and whether anything is read after that. */
+class Recorder : public Widget
+{
+public:
+    void SetAttribute(AttrIndex index, AttrValue value) override
+    {
+        writes.push_back(index);
+        Widget::SetAttribute(index, value);
+    }
+    AttrValue GetAttribute(AttrIndex index) override
+    {
+        read_late = read_late || !writes.empty();
+        return Widget::GetAttribute(index);
+    }
+
+    std::vector<AttrIndex> writes;
+    bool read_late = false;
+};
+
+template <class Kind>
+std::vector<AttrIndex> WritesOf(const Attributes& own)
+{
+    ZELObjPtr<Kind> modifier(new Kind);
+    for (const auto& [index, value] : own)
+        modifier->SetAttribute(index, value);
+    Held<Recorder> recorder;
+    modifier->Modify(&*recorder);
+    EXPECT_FALSE(recorder->read_late);
+    return recorder->writes;
+}
+
+TEST(ModifierWrites, FollowAllReadsAndComeInEachKindsOrder)
+{
+    using Writes = std::vector<AttrIndex>;
+    EXPECT_EQ(WritesOf<TranslateModifier>({}), (Writes{AttrPosX, AttrPosY, AttrPosZ}));
+    EXPECT_EQ(WritesOf<MoveToModifier>({}), (Writes{AttrPosX, AttrPosY}));
+    const Writes projected = {AttrPosX, AttrPosY, AttrScaleX, AttrScaleY};
+    EXPECT_EQ(WritesOf<PerspectiveModifier>({}), projected);
+    EXPECT_EQ(WritesOf<PerspectiveModifier>({{AttrPosZ, -1000}}), projected) << "the eye's plane";
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({}), Writes());
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({{AttrSpanX, 1}}), Writes{AttrPosX});
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({{AttrSpanY, 1}}), Writes{AttrPosY});
+    EXPECT_EQ(WritesOf<SpaceScaleModifier>({{AttrSpanX, 1}, {AttrSpanY, 1}}),
+              (Writes{AttrPosX, AttrPosY}));
+    EXPECT_EQ(WritesOf<FadingModifier>({}), Writes{AttrBlend});
+    EXPECT_EQ(WritesOf<FadingModifier>({{AttrPosX, 1}}), Writes());
+}
+
+TEST(ModifierWrites, OfTheBaseAreNone)
+{
+    ZELObjPtr<TranslateModifier> modifier(new TranslateModifier);
+    Held<Recorder> recorder;
+    modifier->ModifierBase::Modify(&*recorder);
+    EXPECT_EQ(recorder->writes, std::vector<AttrIndex>());
+}
+
 template <class Kind>
 class EveryModifier : public testing::Test
 {
@@ -364,18 +427,18 @@ TYPED_TEST_SUITE(EveryModifier, Kinds);
 
 TYPED_TEST(EveryModifier, DoesNothingWhileDisabled)
 {
-    SeededRandom random;
     ZELObjPtr<TypeParam> modifier(new TypeParam);
-    Held<Widget> widget;
+    Held<Recorder> widget;
     for (int index = AttrPosX; index <= AttrDstColorKey; ++index)
         modifier->SetAttribute(static_cast<AttrIndex>(index), 300);
-    const Attributes before = Randomize(static_cast<IWidget*>(&*widget), random, kWidgetAttributes);
-    widget->DirtyState = 0;
+    widget->PosX = 310; // within the bands and boxes
+    widget->PosY = 320;
     modifier->Enable(false);
     modifier->Modify(&*widget);
-    for (const auto& [index, value] : before)
-        EXPECT_EQ(widget->GetAttribute(index), value);
-    EXPECT_EQ(widget->DirtyState, 0);
+    EXPECT_EQ(widget->writes, std::vector<AttrIndex>());
+    modifier->Enable(true);
+    modifier->Modify(&*widget);
+    EXPECT_NE(widget->writes, std::vector<AttrIndex>());
 }
 
 TYPED_TEST(EveryModifier, CountStartsAtZero)

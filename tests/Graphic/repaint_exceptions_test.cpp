@@ -173,6 +173,41 @@ TEST_F(RepaintException, ContentOfANestedLayerStaysWhenTheOuterLayersModifierIsD
     EXPECT_EQ(shot.At(32, 32), Shown(kGreen));
 }
 
+TEST_F(RepaintException, ContentOfANestedLayerStaysFadedWhenTheLayerLeavesTheFadingBox)
+{
+    PLayer inner = MakeLayer();
+    layer->AddWidget(inner);
+    inner->AddWidget(green);
+    ZELObjPtr<FadingModifier> modifier(new FadingModifier);
+    modifier->SetAttribute(AttrPosX, 10); // the layer stands at the box's rim
+    modifier->SetAttribute(AttrSpanX, 10);
+    layer->AddModifier(modifier);
+    EXPECT_EQ(Repainted().At(32, 32), kGrey);
+    modifier->SetAttribute(AttrPosX, 11);
+    EXPECT_EQ(Updated().At(32, 32), kGrey);
+    EXPECT_EQ(Repainted().At(32, 32), kGrey);
+    inner->SetAttribute(AttrBlend, 255);
+    EXPECT_EQ(Updated().At(32, 32), Shown(kGreen));
+}
+
+TEST_F(RepaintException, ContentOfANestedLayerStaysWhenTheOuterLayersModifierIsRemoved)
+{
+    PLayer inner = MakeLayer();
+    layer->AddWidget(inner);
+    inner->AddWidget(green);
+    auto* modifier = new TestModifier(
+        [](IWidget* copy) { copy->SetAttribute(AttrPosX, copy->GetAttribute(AttrPosX) + 20); });
+    layer->AddModifier(modifier);
+    EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
+    layer->RemoveModifier(modifier);
+    EXPECT_EQ(Updated().At(50, 20), Shown(kGreen));
+    EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
+    inner->SetAttribute(AttrPosX, 0);
+    const auto shot = Updated();
+    EXPECT_EQ(shot.At(50, 20), kGrey);
+    EXPECT_EQ(shot.At(32, 32), Shown(kGreen));
+}
+
 TEST_F(RepaintException, ChildOfAHiddenLayerWithoutOpacityBeforeAndAfterStays)
 {
     red->SetAttribute(AttrBlend, 0);

@@ -113,13 +113,13 @@ TEST_F(WidgetModifiers, AddMakesOneHeldCopy)
     rectangle->AddModifier(static_cast<IModifier*>(first));
     WidgetBase* copy = rectangle->Modified;
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(copy->Hold(), 2);
-    copy->Release();
+    EXPECT_EQ(copy->Hold(), 2); // held on, so that no other copy can get its address
     EXPECT_EQ(static_cast<Rectangle*>(copy)->GetAttribute(AttrColor), 0x123456);
     EXPECT_EQ(copy->ParentScene, nullptr);
     EXPECT_EQ(copy->ParentLayer, nullptr);
     rectangle->AddModifier(static_cast<IModifier*>(second));
     EXPECT_EQ(rectangle->Modified, copy);
+    EXPECT_EQ(copy->Release(), 1);
 }
 
 TEST_F(WidgetModifiers, AddTakesAModifierOutOfAnotherWidget)
@@ -248,6 +248,31 @@ TEST_F(WidgetModifiers, MarksOnTheCopyStayThere)
     EXPECT_EQ(rectangle->DirtyState, 0);
 }
 
+TEST_F(WidgetModifiers, DisabledOneStaysAttached)
+{
+    rectangle->AddModifier(static_cast<IModifier*>(first));
+    first->Enable(false);
+    EXPECT_THAT(ModifiersOf(*rectangle), ElementsAre(first));
+    EXPECT_EQ(first->Widget, static_cast<WidgetBase*>(rectangle));
+    EXPECT_EQ(first->Count(), 2);
+    rectangle->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, 0);
+    first->Enable(true);
+    rectangle->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, 100);
+}
+
+TEST_F(WidgetModifiers, CopyThatIsHeldElsewhereOutlivesItsWidget)
+{
+    rectangle->AddModifier(static_cast<IModifier*>(first));
+    WidgetBase* copy = rectangle->Modified;
+    copy->Hold();
+    rectangle.Release();
+    EXPECT_EQ(copy->Hold(), 2);
+    copy->Release();
+    copy->Release();
+}
+
 class LayerModifiers : public WidgetModifiers
 {
 protected:
@@ -315,6 +340,166 @@ TEST_F(LayerModifiers, ChildWithAModifierOfItsOwnKeepsItsCopy)
     layer->AddModifier(first);
     layer->RemoveModifier(first);
     EXPECT_NE(rectangle->Modified, nullptr);
+}
+
+TEST_F(LayerModifiers, RemoveDestroysWhatNobodyElseHolds)
+{
+    auto* modifier = new TestModifier(nullptr, &destroyed);
+    layer->AddModifier(modifier);
+    layer->RemoveModifier(modifier);
+    EXPECT_EQ(destroyed, 1);
+}
+
+TEST_F(LayerModifiers, AddAgainMovesAModifierToTheEnd)
+{
+    layer->AddModifier(first);
+    layer->AddModifier(second);
+    layer->AddModifier(first);
+    EXPECT_THAT(ModifiersOf(*layer), ElementsAre(second, first));
+    EXPECT_EQ(first->Count(), 2);
+}
+
+TEST_F(LayerModifiers, SeveralActInOrderOfAttachment)
+{
+    rectangle->SetAttribute(AttrPosX, 5);
+    layer->AddModifier(first);
+    layer->AddModifier(second);
+    layer->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, (5 + 100) * 2);
+    layer->AddModifier(first);
+    layer->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, 5 * 2 + 100);
+}
+
+// The owner that is left hears nothing of it.
+TEST_F(LayerModifiers, OneThatMovesToAWidgetLeavesTheChildrenTheirCopies)
+{
+    Held<Rectangle> other;
+    layer->AddModifier(first);
+    layer->Modify();
+    rectangle->DirtyState = 0;
+    WidgetBase* copy = rectangle->Modified;
+    other->AddModifier(static_cast<IModifier*>(first));
+    EXPECT_THAT(ModifiersOf(*layer), testing::IsEmpty());
+    EXPECT_EQ(first->Widget, static_cast<WidgetBase*>(other));
+    EXPECT_EQ(first->Count(), 2);
+    EXPECT_EQ(rectangle->Modified, copy);
+    EXPECT_EQ(rectangle->DirtyState, 0);
+    layer->Modify();
+    EXPECT_EQ(copy->PosX, 0);
+}
+
+TEST_F(LayerModifiers, OneThatMovesToAnotherLayerActsThere)
+{
+    Held<Layer> other;
+    Held<Rectangle> child;
+    other->AddWidget(child);
+    layer->AddModifier(first);
+    other->AddModifier(first);
+    EXPECT_THAT(ModifiersOf(*layer), testing::IsEmpty());
+    EXPECT_THAT(ModifiersOf(*other), ElementsAre(first));
+    EXPECT_EQ(first->Widget, static_cast<WidgetBase*>(other));
+    EXPECT_EQ(first->Count(), 2);
+    layer->RemoveModifier(first); // foreign by now
+    EXPECT_EQ(first->Widget, static_cast<WidgetBase*>(other));
+    other->Modify();
+    layer->Modify();
+    EXPECT_EQ(child->Modified->PosX, 100);
+    EXPECT_EQ(rectangle->Modified->PosX, 0);
+}
+
+TEST_F(LayerModifiers, OneThatMovesFromAWidgetActsOnTheLayersChildren)
+{
+    Held<Rectangle> other;
+    other->AddModifier(static_cast<IModifier*>(first));
+    layer->AddModifier(first);
+    EXPECT_THAT(ModifiersOf(*other), testing::IsEmpty());
+    EXPECT_EQ(first->Widget, static_cast<WidgetBase*>(layer));
+    EXPECT_EQ(first->Count(), 2);
+    layer->Modify();
+    other->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, 100);
+    EXPECT_EQ(other->Modified->PosX, 0);
+}
+
+TEST_F(LayerModifiers, DestroyedModifierLeavesItsLayerAndTheChildrenTheirCopies)
+{
+    auto* unheld = new TestModifier(Shift(100), &destroyed);
+    layer->AddModifier(unheld);
+    static_cast<IModifier*>(unheld)->Release(); // the layer's own reference
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_THAT(ModifiersOf(*layer), testing::IsEmpty());
+    ASSERT_NE(rectangle->Modified, nullptr);
+    layer->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, 0);
+}
+
+TEST_F(LayerModifiers, DestructionLetsThemGo)
+{
+    auto* unheld = new TestModifier(nullptr, &destroyed);
+    layer->AddModifier(first);
+    layer->AddModifier(unheld);
+    layer.Release();
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(first->Widget, nullptr);
+    EXPECT_EQ(first->GetCollection(), nullptr);
+    EXPECT_EQ(first->Count(), 1);
+    first->SetDirty();
+}
+
+// A layer's children are detached before its modifiers go, and these count only on the children.
+TEST_F(LayerModifiers, ChildOfALayerThatEndsKeepsItsCopyOnlyForAModifierOfItsOwn)
+{
+    Held<Rectangle> with_own;
+    layer->AddWidget(with_own);
+    with_own->AddModifier(static_cast<IModifier*>(second));
+    layer->AddModifier(first);
+    layer.Release();
+    EXPECT_EQ(rectangle->Modified, nullptr);
+    EXPECT_NE(with_own->Modified, nullptr);
+}
+
+TEST_F(LayerModifiers, ChildRemovedOutsideASceneKeepsItsCopy)
+{
+    layer->AddModifier(first);
+    layer->RemoveWidget(rectangle);
+    EXPECT_EQ(rectangle->GetLayer(), nullptr);
+    EXPECT_NE(rectangle->Modified, nullptr);
+}
+
+TEST_F(LayerModifiers, ChildThatMovesToAPlainLayerKeepsItsCopyAsItIsItself)
+{
+    Held<Layer> plain;
+    layer->AddModifier(first);
+    layer->Modify();
+    plain->AddWidget(rectangle);
+    ASSERT_NE(rectangle->Modified, nullptr);
+    rectangle->SetAttribute(AttrPosX, 4);
+    plain->Modify();
+    EXPECT_EQ(rectangle->Modified->PosX, 4);
+}
+
+TEST_F(LayerModifiers, ChildThatComesBackKeepsTheSameCopy)
+{
+    layer->AddModifier(first);
+    WidgetBase* copy = rectangle->Modified;
+    EXPECT_EQ(copy->Hold(), 2); // held on, so that no other copy can get its address
+    layer->AddWidget(rectangle);
+    EXPECT_EQ(rectangle->Modified, copy);
+    EXPECT_EQ(copy->Release(), 1);
+}
+
+TEST_F(LayerModifiers, PlainWidgetAmongTheChildrenIsLeftAlone)
+{
+    Held<Widget> plain;
+    layer->AddWidget(plain);
+    layer->AddModifier(first);
+    EXPECT_EQ(plain->Modified, nullptr);
+    EXPECT_EQ(plain->DirtyState, WidgetBase::StateMoved);
+    layer->Modify();
+    EXPECT_EQ(plain->PosX, 0);
+    EXPECT_EQ(rectangle->Modified->PosX, 100);
+    layer->RemoveModifier(first);
 }
 
 TEST_F(LayerModifiers, RemoveIgnoresNullAndForeignOnes)

@@ -2,6 +2,7 @@
 #include "held.h"
 #include "layer.h"
 #include "seeded_random.h"
+#include "test_modifier.h"
 #include "trectangle.h"
 #include "tscene.h"
 
@@ -13,6 +14,7 @@
 
 using kestrin_test::Held;
 using kestrin_test::SeededRandom;
+using kestrin_test::TestModifier;
 
 namespace zelxxx {
 namespace {
@@ -326,14 +328,29 @@ TEST_F(InScene, KillDestroysWhatNobodyElseHolds)
     EXPECT_EQ(PaintList(), (Order{layer}));
 }
 
-TEST_F(InScene, KillGivesUpTheCopyButNotTheModifiers)
+TEST_F(InScene, KillGivesUpTheCopyThatALayersModifiersAskedFor)
 {
     Held<Rectangle> rectangle;
     layer->AddWidget(rectangle);
-    rectangle->CreateModified();
+    layer->AddModifier(new TestModifier);
+    EXPECT_NE(rectangle->Modified, nullptr);
     rectangle->Existence = 2;
     EXPECT_TRUE(root->Kill());
     EXPECT_EQ(rectangle->Modified, nullptr);
+}
+
+TEST_F(InScene, KillLeavesTheCopyOfAWidgetWithModifiers)
+{
+    Held<Rectangle> rectangle;
+    layer->AddWidget(rectangle);
+    auto* modifier = new TestModifier;
+    rectangle->AddModifier(static_cast<IModifier*>(modifier));
+    WidgetBase* copy = rectangle->Modified;
+    rectangle->Existence = 2;
+    EXPECT_TRUE(root->Kill());
+    EXPECT_EQ(rectangle->ParentScene, nullptr);
+    EXPECT_EQ(rectangle->Modified, copy);
+    EXPECT_EQ(modifier->Widget, static_cast<WidgetBase*>(rectangle));
 }
 
 TEST_F(InScene, KillOfAWidgetWithoutALayerOnlyAnswers)
