@@ -191,4 +191,17 @@ bool CountDecoded(const UInt8* stream, std::size_t size, std::size_t limit, std:
     return decodes;
 }
 
+std::size_t zelDecodeImageData(PtrConstAny stream, std::size_t stream_size, void* pixels,
+                               std::size_t room)
+{
+    const auto* bytes = static_cast<const UInt8*>(stream);
+    std::size_t count = 0;
+    if (!CountDecoded(bytes, stream_size, room, &count))
+        return 0;
+    if (pixels)
+        Image::Decode(bytes, stream_size, static_cast<UInt8*>(pixels), room);
+    // A copy's last byte may lie beyond the room; it is not stored.
+    return std::min(count, room);
+}
+
 } // namespace zelxxx
