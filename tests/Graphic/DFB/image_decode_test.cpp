@@ -200,6 +200,42 @@ TEST(ImageDecode, LiteralWithoutRoomFails)
     EXPECT_FALSE(Decoded(Nrv2bStream().Literals("a").End().Bytes(), 0));
 }
 
+TEST(ImageDecode, LiteralsComeBackWhereverTheBuffersEnd)
+{
+    const std::string text = "abcdefghijklmnopqrstuvwxyz0123456789";
+    for (std::size_t before = 0; before < 9; ++before) {
+        for (std::size_t count = 0; count <= text.size(); ++count) {
+            Nrv2bStream stream;
+            stream.Literals(std::string(before + 2, 'x'))
+                .Copy(1, 2)
+                .Literals(text.substr(0, count));
+            const std::string whole = stream.End().Bytes();
+            const std::size_t room = before + 4 + count;
+            const std::string all = std::string(before + 4, 'x') + text.substr(0, count);
+            for (const GuardedBuffer::Side side : {GuardedBuffer::AtEnd, GuardedBuffer::AtBegin})
+                EXPECT_EQ(Decoded(whole, room, side), all);
+            EXPECT_EQ(Decoded(whole, room - 1).has_value(), count == 0);
+            for (std::size_t length = 0; length < whole.size(); ++length)
+                ExpectAsByTheRules(whole.substr(0, length), room, GuardedBuffer::AtEnd);
+        }
+    }
+}
+
+TEST(ImageDecode, CopiesOfEveryLengthAndOffsetComeBack)
+{
+    const std::string text = "abcdefghijklmnopqrstuvwxyz0123456789";
+    for (std::size_t offset = 1; offset <= text.size(); ++offset) {
+        for (std::size_t length = 2; length < 80; ++length) {
+            std::string all = text;
+            for (std::size_t i = 0; i < length; ++i)
+                all.push_back(all[all.size() - offset]);
+            const std::string stream =
+                Nrv2bStream().Literals(text).Copy(offset, length).End().Bytes();
+            EXPECT_EQ(Decoded(stream, all.size()), all) << offset << ' ' << length;
+        }
+    }
+}
+
 TEST(ImageDecode, CopyMayPassTheRoomByOneByteThatIsNotStored)
 {
     const std::string stream = Nrv2bStream().Literal('a').Copy(1, 5).End().Bytes();
@@ -356,6 +392,34 @@ TEST(ImageDecode, CorruptedStreamsStayInTheirBuffersAndFollowTheRules)
                            room - static_cast<std::size_t>(random.Between(0, 2)),
                            random.Chance(50) ? GuardedBuffer::AtEnd : GuardedBuffer::AtBegin);
     }
+}
+
+// ---- For programs that want the pixels
+
+TEST(ImageData, IsCountedBeforeRoomIsMadeAndThenUnpacked)
+{
+    const std::string stream = Nrv2bStream().Literals("abc").Copy(2, 5).End().Bytes();
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), nullptr, 1000), 8U);
+    const GuardedBuffer out(8);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), out.Data(), 8), 8U);
+    EXPECT_EQ(std::string(out.Data(), out.Data() + 8), "abcbcbcb");
+}
+
+TEST(ImageData, OfADamagedOrTooLongStreamIsNone)
+{
+    const std::string stream = Nrv2bStream().Literals("abcd").End().Bytes();
+    const GuardedBuffer out(2);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), out.Data(), 2), 0U);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size() - 1, nullptr, 9), 0U);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(nullptr, 0, nullptr, 9), 0U);
+}
+
+TEST(ImageData, ByteBeyondTheRoomIsNotCounted)
+{
+    const std::string stream = Nrv2bStream().Literal('a').Copy(1, 5).End().Bytes();
+    const GuardedBuffer out(5);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), out.Data(), 5), 5U);
+    EXPECT_EQ(std::string(out.Data(), out.Data() + 5), "aaaaa");
 }
 
 } // namespace
