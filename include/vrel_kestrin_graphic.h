@@ -636,6 +636,17 @@ KESTRIN_EXPORT IImage* zelCreateImage(ColorMode color_mode, MetricValue width, M
  */
 KESTRIN_EXPORT IImage* zelCreateImage(const char* file_name);
 /**
+ * Unpacks what follows the 8-byte header of an image file, for programs that want the pixels and
+ * not a picture to draw. Needs no start of the library.
+ *
+ * @param stream, stream_size  the NRV2B stream and how many bytes there are of it
+ * @param pixels               receives the bytes; null to count them only, before room is made
+ * @param room                 bytes that `pixels` has room for. A stream that holds more is damaged
+ * @return bytes unpacked; 0 for a stream that is damaged or cut short, which may have written some
+ */
+KESTRIN_EXPORT std::size_t zelDecodeImageData(PtrConstAny stream, std::size_t stream_size,
+                                              void* pixels, std::size_t room);
+/**
  * A scene.
  *
  * @param window_index   number of the plane, recorded by the view

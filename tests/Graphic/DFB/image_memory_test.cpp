@@ -1,24 +1,23 @@
 /** Images of a client's pixels: what is kept, how it can be changed, what it looks like. */
 #include "engine_display.h"
 #include "image_support.h"
+#include "picture_files.h"
 #include "recording_surface.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <jpeglib.h>
-#include <png.h>
 
 using kestrin_display::ArgbImage;
 using kestrin_test::EngineDisplay;
+using kestrin_test::JpegFile;
 using kestrin_test::kGroundColor;
 using kestrin_test::kGroundIndex;
 using kestrin_test::MemoryImage;
 using kestrin_test::PaintedOn;
+using kestrin_test::PngFile;
 using kestrin_test::RecordingSurface;
 using kestrin_test::SurfaceOf;
 using testing::Each;
@@ -486,52 +485,9 @@ TEST_F(ImageMemory, ConversionRoutineMakesThePixels)
 
 // ---- PNG and JPEG
 
-std::vector<UInt8> Png(int width, int height, const std::vector<UInt8>& rgba)
-{
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(width);
-    image.height = static_cast<png_uint_32>(height);
-    image.format = PNG_FORMAT_RGBA;
-    png_alloc_size_t size = 0;
-    EXPECT_TRUE(png_image_write_get_memory_size(image, size, 0, rgba.data(), 0, nullptr));
-    std::vector<UInt8> file(size);
-    EXPECT_TRUE(png_image_write_to_memory(&image, file.data(), &size, 0, rgba.data(), 0, nullptr));
-    file.resize(size);
-    return file;
-}
-
-/** A picture of one grey. */
-std::vector<UInt8> Jpeg(unsigned width, unsigned height, UInt8 grey)
-{
-    jpeg_compress_struct info = {};
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* memory = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &memory, &size);
-    info.image_width = width;
-    info.image_height = height;
-    info.input_components = 1;
-    info.in_color_space = JCS_GRAYSCALE;
-    jpeg_set_defaults(&info);
-    jpeg_start_compress(&info, TRUE);
-    std::vector<UInt8> row(width, grey);
-    while (info.next_scanline < height) {
-        JSAMPROW rows[] = {row.data()};
-        jpeg_write_scanlines(&info, rows, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    const std::vector<UInt8> file(memory, memory + size);
-    std::free(memory);
-    return file;
-}
-
 TEST_F(ImageMemory, PngFileIsUnpackedInItsOwnSize)
 {
-    const std::vector<UInt8> file = Png(2, 1, {1, 2, 3, 255, 9, 9, 9, 128});
+    const std::vector<UInt8> file = PngFile(2, 1, {1, 2, 3, 255, 9, 9, 9, 128});
     const PImage image = MemoryImage(Color32Bit, 50, 60, file, UseSystemMemory, TypePNG);
     EXPECT_EQ(image->GetWidth(), 2);
     EXPECT_EQ(image->GetHeight(), 1);
@@ -541,7 +497,8 @@ TEST_F(ImageMemory, PngFileIsUnpackedInItsOwnSize)
 
 TEST_F(ImageMemory, JpegFileIsUnpackedOpaque)
 {
-    const PImage image = MemoryImage(Color32Bit, 0, 0, Jpeg(9, 7, 130), UseFrameBuffer, TypeJPG);
+    const PImage image =
+        MemoryImage(Color32Bit, 0, 0, JpegFile(9, 7, 130), UseFrameBuffer, TypeJPG);
     EXPECT_EQ(image->GetWidth(), 9);
     EXPECT_EQ(image->GetHeight(), 7);
     EXPECT_THAT(Words(image), Each(0xff828282U));
@@ -557,7 +514,7 @@ TEST_F(ImageMemory, DataWithoutTheSignatureIsTakenAsPixels)
 
 TEST_F(ImageMemory, FileOfTheOtherFormatIsTakenAsPixels)
 {
-    const std::vector<UInt8> file = Png(1, 1, {1, 2, 3, 255});
+    const std::vector<UInt8> file = PngFile(1, 1, {1, 2, 3, 255});
     const PImage image = MemoryImage(Color32Bit, 2, 1, file, UseSystemMemory, TypeJPG);
     EXPECT_EQ(image->GetWidth(), 2);
     EXPECT_EQ(Words(image)[0], 0x4789504eU);
@@ -565,7 +522,7 @@ TEST_F(ImageMemory, FileOfTheOtherFormatIsTakenAsPixels)
 
 TEST_F(ImageMemory, EveryTruncationOfAPngDrawsNothing)
 {
-    const std::vector<UInt8> file = Png(2, 1, {1, 2, 3, 255, 9, 9, 9, 128});
+    const std::vector<UInt8> file = PngFile(2, 1, {1, 2, 3, 255, 9, 9, 9, 128});
     // The last chunk is a mere end, which is not needed.
     for (std::size_t length = 8; length < file.size() - 12; ++length) {
         const std::vector<UInt8> cut(file.begin(),
@@ -578,7 +535,7 @@ TEST_F(ImageMemory, EveryTruncationOfAPngDrawsNothing)
 
 TEST_F(ImageMemory, DamagedJpegHeaderDrawsNothing)
 {
-    std::vector<UInt8> file = Jpeg(9, 7, 130);
+    std::vector<UInt8> file = JpegFile(9, 7, 130);
     file.resize(20);
     const PImage image = MemoryImage(Color32Bit, 9, 7, file, UseSystemMemory, TypeJPG);
     EXPECT_EQ(image->GetImageBuffer(), nullptr);
@@ -587,7 +544,7 @@ TEST_F(ImageMemory, DamagedJpegHeaderDrawsNothing)
 
 TEST_F(ImageMemory, PngThatPromisesTooMuchDrawsNothing)
 {
-    std::vector<UInt8> file = Png(2, 1, {1, 2, 3, 255, 9, 9, 9, 128});
+    std::vector<UInt8> file = PngFile(2, 1, {1, 2, 3, 255, 9, 9, 9, 128});
     for (const std::size_t byte : {18, 22}) // width and height, the third byte of four
         file[byte] = 0x7f;
     const PImage image = MemoryImage(Color32Bit, 2, 1, file, UseSystemMemory, TypePNG);
