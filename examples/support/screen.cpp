@@ -4,14 +4,12 @@
 #include "png_file.h"
 #include "screen_reader.h"
 
-#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
-#include <thread>
 
 namespace kestrin_examples {
 
@@ -50,9 +48,6 @@ Screen::~Screen()
 {
     _fonts = nullptr;
     zelUninitialize();
-    // DirectFB's threads put away later what has just been released, and say nothing when they are
-    // done. A process that ends meanwhile may crash in them.
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
     std::error_code ignored;
     std::filesystem::remove(_file, ignored);
 }
