@@ -234,9 +234,9 @@ void DrawAll(const std::string& directory, bool with_video)
     write("tile", Draw(32, 32, Tile));
     write("text", Draw(64, 24, Text));
     for (int frame = 0; frame < icon_frames; ++frame) {
-        char name[16];
-        std::snprintf(name, sizeof name, "icon-%02d", frame);
-        write(name, Draw(96, 88, [=](double x, double y) { return Icon(x, y, frame); }));
+        const std::string number = std::to_string(frame);
+        write((frame < 10 ? "icon-0" : "icon-") + number,
+              Draw(96, 88, [=](double x, double y) { return Icon(x, y, frame); }));
     }
     write("photo", Landscape(night, 256, 144));
     if (with_video)

@@ -154,15 +154,16 @@ GimpPalette ReadGimpPalette(const std::string& path)
             gimp.name = line.substr(std::min(line.find_first_not_of(" \t", 5), line.size()));
             continue;
         }
-        const std::string place = path + ": line " + std::to_string(number);
+        std::string place = path + ": line " + std::to_string(number);
         std::uint32_t red = 0, green = 0, blue = 0;
         const std::string written = line;
         if (!TakeChannel(line, &red) || !TakeChannel(line, &green) || !TakeChannel(line, &blue))
-            throw PaletteError(place + " is no colour: \"" + written +
-                               "\"; write red, green and blue from 0 to 255, and a name if you "
-                               "like");
+            throw PaletteError(place.append(" is no colour: \"")
+                                   .append(written)
+                                   .append("\"; write red, green and blue from 0 to 255, and a "
+                                           "name if you like"));
         if (gimp.count == static_cast<int>(gimp.palette.size()))
-            throw PaletteError(place + " is a colour too many: a display has 256");
+            throw PaletteError(place.append(" is a colour too many: a display has 256"));
         gimp.palette[static_cast<std::size_t>(gimp.count++)] = Argb(255, red, green, blue);
     }
     if (gimp.count == 0)
