@@ -132,8 +132,10 @@ private:
         } else if (count >= sizeof(std::uint32_t)) {
             CopyTwo<std::uint32_t>(to, from, count);
         } else {
-            for (std::size_t i = 0; i < count; ++i)
-                to[i] = from[i];
+            // Two or three, and one where the room ends.
+            to[0] = from[0];
+            to[count / 2] = from[count / 2];
+            to[count - 1] = from[count - 1];
         }
     }
 
