@@ -1,6 +1,7 @@
 /**
  * kestrin-screen: looks at the screen file of a running or finished program.
  */
+#include "command_line.h"
 #include "display_setup.h"
 #include "lay_over.h"
 #include "png_file.h"
@@ -124,10 +125,5 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return Run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kestrin-screen: %s\n", error.what());
-        return 1;
-    }
+    return kestrin_tools::RunTool("kestrin-screen", Run, argc, argv);
 }

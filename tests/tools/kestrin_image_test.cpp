@@ -6,9 +6,8 @@
 #include "image_file.h"
 #include "nrv2b_stream.h"
 #include "png_file.h"
-#include "run_command.h"
-#include "temp_directory.h"
 #include "tool_pictures.h"
+#include "tool_test.h"
 #include "whole_file.h"
 
 #include <algorithm>
@@ -25,7 +24,6 @@ using kestrin_test::Gradient;
 using kestrin_test::Outcome;
 using kestrin_test::PaletteColours;
 using kestrin_test::PlainImageFile;
-using kestrin_test::TempDirectory;
 using testing::AllOf;
 using testing::HasSubstr;
 using namespace kestrin_tools;
@@ -34,33 +32,16 @@ namespace {
 
 constexpr std::size_t fixed_colours = 188;
 
-class KestrinImage : public testing::Test
+class KestrinImage : public kestrin_test::ToolTest
 {
 protected:
-    Outcome Run(const std::string& arguments) const
-    {
-        return kestrin_test::RunCommand("cd " + files.Path("") + " && " KESTRIN_IMAGE_TOOL " " +
-                                        arguments);
-    }
+    KestrinImage() : ToolTest(KESTRIN_IMAGE_TOOL) {}
+
     void Png(const std::string& name, const ArgbImage& image) const
     {
         WritePng(files.Path(name), image);
     }
     bool Exists(const std::string& name) const { return fs::exists(files.Path(name)); }
-    std::size_t FileCount() const
-    {
-        const fs::directory_iterator all(files.Path(""));
-        return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-    }
-    /** Expects a failure that says something and adds no file. */
-    void ExpectNoFile(const std::string& arguments, const std::string& message) const
-    {
-        const std::size_t before = FileCount();
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.status, 1) << arguments;
-        EXPECT_THAT(outcome.output, AllOf(HasSubstr("kestrin-image: "), HasSubstr(message)));
-        EXPECT_EQ(FileCount(), before) << arguments;
-    }
     /** Makes out.img and returns its frames. */
     IndexedImage Make(const std::string& arguments) const
     {
@@ -68,8 +49,6 @@ protected:
         EXPECT_EQ(outcome.status, 0) << outcome.output;
         return ReadImage(files.Path("out.img"));
     }
-
-    const TempDirectory files;
 };
 
 // ---- make

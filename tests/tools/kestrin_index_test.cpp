@@ -2,9 +2,8 @@
  * Runs the tool on index files with each kind of line, and compares it with what the engine opens.
  */
 #include "engine_display.h"
-#include "run_command.h"
-#include "temp_directory.h"
 #include "test_font.h"
+#include "tool_test.h"
 
 #include <filesystem>
 
@@ -15,17 +14,16 @@ namespace fs = std::filesystem;
 using kestrin_test::EngineDisplay;
 using kestrin_test::kSans;
 using kestrin_test::Outcome;
-using kestrin_test::TempDirectory;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
 namespace {
 
-class KestrinIndex : public testing::Test
+class KestrinIndex : public kestrin_test::ToolTest
 {
 protected:
-    KestrinIndex()
+    KestrinIndex() : ToolTest(KESTRIN_INDEX_TOOL)
     {
         fs::create_symlink(kSans, files.Path("a.ttf"));
         fs::create_symlink(kSans, files.Path("b.ttf"));
@@ -35,12 +33,7 @@ protected:
     }
     Outcome Check(const std::string& content) const
     {
-        return RunTool("check " + files.Write("index", content));
-    }
-    Outcome RunTool(const std::string& arguments) const
-    {
-        return kestrin_test::RunCommand("cd " + files.Path("") + " && " KESTRIN_INDEX_TOOL " " +
-                                        arguments);
+        return Run("check " + files.Write("index", content));
     }
     void ExpectGood(const std::string& content, const std::string& text) const
     {
@@ -58,8 +51,6 @@ protected:
         EXPECT_THAT(outcome.output, AllOf(HasSubstr(line), HasSubstr(text))) << content;
         EXPECT_THAT(outcome.output, HasSubstr("\n1 problem\n")) << content;
     }
-
-    const TempDirectory files;
 };
 
 TEST_F(KestrinIndex, GoodFileIsJudgedLineByLine)
@@ -114,8 +105,8 @@ TEST_F(KestrinIndex, NamesThatNearlyAreFiles)
 TEST_F(KestrinIndex, WithoutADirectoryNamesAreTakenAsGiven)
 {
     files.Write("index", "1\nfnt:" + kSans + "\n");
-    EXPECT_EQ(RunTool("check index").status, 0);
-    EXPECT_EQ(RunTool("check ./index").status, 1);
+    EXPECT_EQ(Run("check index").status, 0);
+    EXPECT_EQ(Run("check ./index").status, 1);
 }
 
 TEST_F(KestrinIndex, FilesThatAreNoFonts)
@@ -172,7 +163,7 @@ TEST_F(KestrinIndex, DirectoryThatIsTooLongForTheEngine)
     fs::create_directories(directory);
     const std::string name = directory.substr(files.Path("").size()) + "/index";
     files.Write(name, "1\nfnt:../../a.ttf\n");
-    const Outcome outcome = RunTool("check " + name);
+    const Outcome outcome = Run("check " + name);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.output, HasSubstr("the file  problem  the name of its directory has 202"));
 }
@@ -199,19 +190,18 @@ TEST_F(KestrinIndex, TheEngineAgrees)
 
 TEST_F(KestrinIndex, MissingFileAndDirectoryEndWithOne)
 {
-    EXPECT_EQ(RunTool("check none").status, 1);
-    EXPECT_THAT(RunTool("check none").output, HasSubstr("kestrin-index: none: No such file"));
-    EXPECT_EQ(RunTool("check directory").status, 1);
-    EXPECT_THAT(RunTool("check directory").output, HasSubstr("directory: Is a directory"));
+    EXPECT_EQ(Run("check none").status, 1);
+    EXPECT_THAT(Run("check none").output, HasSubstr("kestrin-index: none: No such file"));
+    EXPECT_EQ(Run("check directory").status, 1);
+    EXPECT_THAT(Run("check directory").output, HasSubstr("directory: Is a directory"));
 }
 
 TEST_F(KestrinIndex, HelpHasAnExampleAndExitCodes)
 {
-    EXPECT_THAT(RunTool("--help").output,
-                AllOf(HasSubstr("Usage: kestrin-index"), HasSubstr("2 for")));
-    EXPECT_THAT(RunTool("check --help").output, HasSubstr("\n  kestrin-index check "));
-    EXPECT_EQ(RunTool("").status, 2);
-    EXPECT_EQ(RunTool("check").status, 2);
+    EXPECT_THAT(Run("--help").output, AllOf(HasSubstr("Usage: kestrin-index"), HasSubstr("2 for")));
+    EXPECT_THAT(Run("check --help").output, HasSubstr("\n  kestrin-index check "));
+    EXPECT_EQ(Run("").status, 2);
+    EXPECT_EQ(Run("check").status, 2);
 }
 
 } // namespace

@@ -4,10 +4,9 @@
 #include "lay_over.h"
 #include "palette_file.h"
 #include "png_file.h"
-#include "run_command.h"
 #include "swatch.h"
-#include "temp_directory.h"
 #include "tool_pictures.h"
+#include "tool_test.h"
 #include "whole_file.h"
 
 #include <algorithm>
@@ -17,45 +16,25 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace fs = std::filesystem;
 using kestrin_display::ArgbImage;
 using kestrin_test::Outcome;
-using kestrin_test::TempDirectory;
 using testing::AllOf;
 using testing::HasSubstr;
 using namespace kestrin_tools;
 
 namespace {
 
-class KestrinPalette : public testing::Test
+class KestrinPalette : public kestrin_test::ToolTest
 {
 protected:
-    Outcome Run(const std::string& arguments) const
-    {
-        return kestrin_test::RunCommand("cd " + files.Path("") + " && " KESTRIN_PALETTE_TOOL " " +
-                                        arguments);
-    }
-    std::size_t FileCount() const
-    {
-        const fs::directory_iterator all(files.Path(""));
-        return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-    }
-    void ExpectNoFile(const std::string& arguments, const std::string& message) const
-    {
-        const std::size_t before = FileCount();
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.status, 1) << arguments;
-        EXPECT_THAT(outcome.output, AllOf(HasSubstr("kestrin-palette: "), HasSubstr(message)));
-        EXPECT_EQ(FileCount(), before) << arguments;
-    }
+    KestrinPalette() : ToolTest(KESTRIN_PALETTE_TOOL) {}
+
     Palette Make(const std::string& arguments) const
     {
         const Outcome outcome = Run("make " + arguments + " out.pal");
         EXPECT_EQ(outcome.status, 0) << outcome.output;
         return ReadPalette(files.Path("out.pal"));
     }
-
-    const TempDirectory files;
 };
 
 TEST_F(KestrinPalette, MakesTheFixedPalette)

@@ -11,7 +11,6 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <exception>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -164,10 +163,5 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return Run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kestrin-image: %s\n", error.what());
-        return ExitProblem;
-    }
+    return kestrin_tools::RunTool("kestrin-image", Run, argc, argv);
 }

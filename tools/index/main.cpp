@@ -8,7 +8,6 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <exception>
 #include <string>
 #include <vector>
 
@@ -70,10 +69,5 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return Run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kestrin-index: %s\n", error.what());
-        return kestrin_tools::ExitProblem;
-    }
+    return kestrin_tools::RunTool("kestrin-index", Run, argc, argv);
 }

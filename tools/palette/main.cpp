@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <set>
 #include <stdexcept>
@@ -206,10 +205,5 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return Run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kestrin-palette: %s\n", error.what());
-        return ExitProblem;
-    }
+    return kestrin_tools::RunTool("kestrin-palette", Run, argc, argv);
 }

@@ -279,10 +279,5 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return Run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kestrin-play: %s\n", error.what());
-        return ExitNothingPlayed;
-    }
+    return kestrin_tools::RunTool("kestrin-play", Run, argc, argv);
 }

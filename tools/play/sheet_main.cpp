@@ -1,14 +1,13 @@
 /**
  * kestrin-sheet: arranges pictures on one sheet.
  */
+#include "command_line.h"
 #include "picture.h"
 
 #include "png_file.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
-#include <exception>
 #include <string>
 #include <vector>
 
@@ -38,10 +37,5 @@ int MakeSheet(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return MakeSheet(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "kestrin-sheet: %s\n", error.what());
-        return 1;
-    }
+    return kestrin_tools::RunTool("kestrin-sheet", MakeSheet, argc, argv);
 }

@@ -1,8 +1,20 @@
 #include "command_line.h"
 
+#include <cstdio>
+#include <exception>
 #include <sstream>
 
 namespace kestrin_tools {
+
+int RunTool(const char* name, int (*run)(int, char**), int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s: %s\n", name, error.what());
+        return ExitProblem;
+    }
+}
 
 std::string Wrapped(const std::string& text)
 {
