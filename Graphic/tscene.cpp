@@ -365,22 +365,18 @@ void Scene::PaintTiles()
 template <class Visit>
 void Scene::VisitTouched(Visit visit)
 {
-    WidgetBase* widget = _widget_list_head;
-    if (_sorted.IsCurrent()) {
-        widget = nullptr;
-        for (std::size_t i = 0; i < _shown.size() && _sorted.IsCurrent(); ++i) {
-            if (!_dirty_manager->MayTouch(_shown[i].rect))
-                continue;
-            widget = _shown[i].widget;
-            visit(widget);
-        }
-        if (_sorted.IsCurrent())
+    WidgetBase* rest = _widget_list_head;
+    // Until a formatter changes the tree while it is painted.
+    for (std::size_t i = 0; _sorted.IsCurrent(); ++i) {
+        if (i == _shown.size())
             return;
-        widget = widget->Next;
+        if (!_dirty_manager->MayTouch(_shown[i].rect))
+            continue;
+        visit(_shown[i].widget);
+        rest = _shown[i].widget->Next;
     }
-    // A formatter has changed the tree while it was painted.
-    for (; widget; widget = widget->Next)
-        visit(widget);
+    for (; rest; rest = rest->Next)
+        visit(rest);
 }
 
 void Scene::PaintTile()
