@@ -1,0 +1,42 @@
+/** Rows of pixels: what every fill of the drawing primitives ends in. */
+#pragma once
+
+#include "DlaUtils.h"
+
+#include <algorithm>
+#include <cstddef>
+
+/** A pixel that is in the buffer. */
+inline U32BIT* PixelAt(S32BIT x, S32BIT y)
+{
+    return dla_info.screen + (static_cast<std::size_t>(y) * dla_info.width + x);
+}
+
+inline bool IsRow(S32BIT y)
+{
+    return y >= 0 && y < dla_info.height;
+}
+
+inline bool IsColumn(S32BIT x)
+{
+    return x >= 0 && x < dla_info.width;
+}
+
+inline void FillWords(U32BIT* to, std::size_t count, U32BIT colour)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = colour;
+}
+
+/** Fills the half-open rectangle from (left, top) up to (right, bottom), clipped to the buffer. */
+inline void FillBox(S32BIT left, S32BIT top, S32BIT right, S32BIT bottom, U32BIT colour)
+{
+    left = std::max(left, 0);
+    top = std::max(top, 0);
+    right = std::min<S32BIT>(right, dla_info.width);
+    bottom = std::min<S32BIT>(bottom, dla_info.height);
+    if (left >= right)
+        return;
+    for (S32BIT y = top; y < bottom; ++y)
+        FillWords(PixelAt(left, y), static_cast<std::size_t>(right - left), colour);
+}
