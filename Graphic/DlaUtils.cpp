@@ -47,7 +47,7 @@ void FillDiscRow(S32BIT y, S32BIT x1, S32BIT x2, U32BIT colour)
     x1 = std::max(x1, 0);
     x2 = std::min(x2, dla_info.width - 1);
     if (x1 < x2)
-        FillBox(x1, y, x2 + 1, y + 1, colour);
+        FillRow(y, x1, x2 + 1, colour);
 }
 
 } // namespace
@@ -59,7 +59,7 @@ void FillCircle(S16BIT cx, S16BIT cy, U16BIT width, U32BIT colour)
     if (cx + r < 0 || cx - r >= dla_info.width || cy + r < 0 || cy - r >= dla_info.height)
         return;
     if (!even)
-        FillBox(cx - r, cy, cx + r + 1, cy + 1, colour);
+        FillRow(cy, cx - r, cx + r + 1, colour);
     if (width < 2)
         return;
 

@@ -40,3 +40,14 @@ inline void FillBox(S32BIT left, S32BIT top, S32BIT right, S32BIT bottom, U32BIT
     for (S32BIT y = top; y < bottom; ++y)
         FillWords(PixelAt(left, y), static_cast<std::size_t>(right - left), colour);
 }
+
+/** Fills columns `left` up to, and not including, `right` of a row, clipped to the buffer. */
+inline void FillRow(S32BIT y, S32BIT left, S32BIT right, U32BIT colour)
+{
+    if (!IsRow(y))
+        return;
+    left = std::max(left, 0);
+    right = std::min<S32BIT>(right, dla_info.width);
+    if (left < right)
+        FillWords(PixelAt(left, y), static_cast<std::size_t>(right - left), colour);
+}

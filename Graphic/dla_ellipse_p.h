@@ -1,0 +1,119 @@
+/**
+ * The ellipse in a box, as all curved primitives trace it.
+ *
+ * The trace runs through one quarter, as offsets (X, Y) from the centre, in two regions:
+ *
+ *        |  region 2: a point for every column,
+ *     ry +----...      from X = 0 on
+ *        |        '-.
+ *        |            \  region 1: a point for every row,
+ *        |             |   from Y = 0 on
+ *        +-------------+-
+ *                      rx
+ *
+ * The other quarters mirror it. In a box of even size two columns, or rows, have the offset 0, so
+ * that the right half stands one column further right, and the lower half one row further down.
+ */
+#pragma once
+
+#include "DlaUtils.h"
+
+#include <type_traits>
+
+struct EllipseBox
+{
+    EllipseBox(S16BIT x, S16BIT y, U16BIT w, U16BIT h)
+        : rx(((w + 1U) >> 1) - 1), ry(((h + 1U) >> 1) - 1), cx(x + static_cast<S32BIT>(rx)),
+          cy(y + static_cast<S32BIT>(ry)), ew(w % 2 == 0 ? 1 : 0), eh(h % 2 == 0 ? 1 : 0)
+    {
+    }
+
+    S32BIT Left(S32BIT offset) const { return cx - offset; }
+    S32BIT Right(S32BIT offset) const { return cx + ew + offset; }
+    S32BIT Upper(S32BIT offset) const { return cy - offset; }
+    S32BIT Lower(S32BIT offset) const { return cy + eh + offset; }
+
+    U32BIT rx, ry; /**< radii; 0 for a size of 1 or 2 */
+    S32BIT cx, cy; /**< the centre, its left and upper pixel */
+    S32BIT ew, eh; /**< 1 for an even width and height */
+};
+
+/**
+ * The midpoint steps of one region: one offset, starting at 0, grows by every step, the other,
+ * starting at its radius, falls by some. Before each step `visit` is given the falling offset, the
+ * growing one, and whether the first falls by this step.
+ *
+ * All arithmetic wraps at the size of Word, which is unsigned, and is compared as signed: with 32
+ * bits large ellipses go astray. No box of at most 65535 pixels a side needs as many steps as the
+ * loop allows, but for radii that are both 0, where one point is all there is.
+ */
+template <class Word, class Visit>
+void TraceRegion(Word falling_radius, Word growing_radius, Visit visit)
+{
+    using Signed = typename std::make_signed<Word>::type;
+    const Word f2 = falling_radius * falling_radius;
+    const Word g2 = growing_radius * growing_radius;
+    Word fall_change = g2 * (1 - 2 * falling_radius);
+    Word grow_change = f2;
+    Word error = 0;
+    Word stop_falling = 2 * g2 * falling_radius;
+    Word stop_growing = 0;
+    auto falling = static_cast<S32BIT>(falling_radius);
+    const S32BIT most_steps = falling_radius == 0 && growing_radius == 0 ? 1 : 0x10000;
+    for (S32BIT growing = 0; growing < most_steps &&
+                             static_cast<Signed>(stop_falling) >= static_cast<Signed>(stop_growing);
+         ++growing) {
+        stop_growing += 2 * f2;
+        error += grow_change;
+        grow_change += 2 * f2;
+        const bool falls = static_cast<Signed>(2 * error + fall_change) > 0;
+        visit(falling, growing, falls);
+        if (falls) {
+            stop_falling -= 2 * g2;
+            error += fall_change;
+            fall_change += 2 * g2;
+            --falling;
+        }
+    }
+}
+
+/** Calls `visit` with every point of the trace. */
+template <class Word, class Visit>
+void TraceOutline(const EllipseBox& box, Visit visit)
+{
+    TraceRegion<Word>(box.rx, box.ry, [&](S32BIT x, S32BIT y, bool) { visit(x, y); });
+    TraceRegion<Word>(box.ry, box.rx, [&](S32BIT y, S32BIT x, bool) { visit(x, y); });
+}
+
+/**
+ * Calls `visit` with the rows to fill, as their offset and that of their ends. Where the trace runs
+ * flat a row counts once, as wide as it is when the trace leaves it; it may come from both regions.
+ */
+template <class Word, class Visit>
+void TraceRows(const EllipseBox& box, Visit visit)
+{
+    TraceRegion<Word>(box.rx, box.ry, [&](S32BIT x, S32BIT y, bool) { visit(x, y); });
+    TraceRegion<Word>(box.ry, box.rx, [&](S32BIT y, S32BIT x, bool falls) {
+        if (falls)
+            visit(x, y);
+    });
+}
+
+/** Draws the points of an outline: pixels at width 1, else discs. Coordinates wrap to 16 bits. */
+class OutlinePen
+{
+public:
+    OutlinePen(U16BIT width, U32BIT colour) : _width(width), _colour(colour) {}
+
+    void Draw(S32BIT x, S32BIT y) const
+    {
+        if (_width == 1)
+            PutPixel(static_cast<S16BIT>(x), static_cast<S16BIT>(y), _colour);
+        else
+            FillCircle(static_cast<S16BIT>(x), static_cast<S16BIT>(y), _width, _colour);
+    }
+
+private:
+    U16BIT _width;
+    U32BIT _colour;
+};
