@@ -61,7 +61,13 @@ struct Range
 class Direction
 {
 public:
-    explicit Direction(Offset offset) : _x(std::abs(offset.x)), _y(std::abs(offset.y)) {}
+    explicit Direction(Offset offset) : _x(std::abs(offset.x)), _y(std::abs(offset.y))
+    {
+        // At most one unit too much, so that for rows up to 32768 products are less than 2^-16 of a
+        // column too large, while exact ones are whole or 2^-15 or more below the next integer.
+        if (_y != 0)
+            _slope = (static_cast<uint64_t>(_x) << 32) / static_cast<uint64_t>(_y) + 1;
+    }
 
     /** Positive for a point steeper than this direction, 0 for one in it. */
     int Compare(S32BIT x, S32BIT y) const
@@ -69,18 +75,29 @@ public:
         return S64CompareS64(S64MultiplyS32(S64FromS32(_x), y), S64MultiplyS32(S64FromS32(_y), x));
     }
     /** Of row `y`, up to distance `x`, what is at least as steep. */
-    Range Steeper(S32BIT x, S32BIT y) const { return {0, _y == 0 ? x : std::min(x, _x * y / _y)}; }
+    Range Steeper(S32BIT x, S32BIT y) const
+    {
+        return {0, _y == 0 ? x : std::min(x, Columns(y, 0))};
+    }
     /** Of row `y`, up to distance `x`, what is at most as steep. */
     Range Flatter(S32BIT x, S32BIT y) const
     {
         if (_y == 0)
             return {_x * y > 0 ? x + 1 : 0, x};
-        return {(_x * y + _y - 1) / _y, x};
+        return {Columns(y, 0xffff0000), x};
     }
 
 private:
+    /** How far from the axis this direction meets row `y`, rounded down once `rounding` is added.
+     */
+    S32BIT Columns(S32BIT y, U32BIT rounding) const
+    {
+        return static_cast<S32BIT>((_slope * static_cast<uint64_t>(y) + rounding) >> 32);
+    }
+
     S32BIT _x;
     S32BIT _y;
+    uint64_t _slope = 0; /**< columns for a row, in 1/2^32 */
 };
 
 /** What lies between the two ends of an arc. */
