@@ -182,19 +182,36 @@ void ArcSelection::SelectRow(int quadrant, S32BIT x, S32BIT y, Draw draw) const
 
 // ---- Drawing --------------------------------------------------------------------------------
 
-void DrawSelectedOutline(const EllipseBox& box, const ArcSelection& selection, U16BIT width,
+/** Calls `draw` with the runs of selected points between two of a row, both included. */
+template <class Draw>
+void SelectPoints(const ArcSelection& selection, int quadrant, S32BIT first, S32BIT last, S32BIT y,
+                  Draw draw)
+{
+    for (S32BIT x = first; x <= last; ++x) {
+        if (!selection.Selects(quadrant, x, y))
+            continue;
+        const S32BIT start = x;
+        while (x < last && selection.Selects(quadrant, x + 1, y))
+            ++x;
+        draw(start, x);
+    }
+}
+
+void DrawSelectedOutline(const EllipseBox& box, const ArcSelection& selection, const Disc& disc,
                          U32BIT colour)
 {
-    const OutlinePen pen(width, colour);
-    TraceOutline<uint64_t>(box, [&](S32BIT x, S32BIT y) {
-        if (selection.Selects(0, x, y))
-            pen.Draw(box.Right(x), box.Upper(y));
-        if (selection.Selects(1, x, y))
-            pen.Draw(box.Left(x), box.Upper(y));
-        if (selection.Selects(2, x, y))
-            pen.Draw(box.Left(x), box.Lower(y));
-        if (selection.Selects(3, x, y))
-            pen.Draw(box.Right(x), box.Lower(y));
+    OutlinePen pens[4] = {{disc, colour}, {disc, colour}, {disc, colour}, {disc, colour}};
+    TraceOutline<uint64_t>(box, [&](S32BIT first, S32BIT last, S32BIT y) {
+        for (int quadrant = 0; quadrant < 4; ++quadrant) {
+            const S32BIT row = quadrant < 2 ? box.Upper(y) : box.Lower(y);
+            const bool right = quadrant == 0 || quadrant == 3;
+            SelectPoints(selection, quadrant, first, last, y, [&](S32BIT from, S32BIT to) {
+                if (right)
+                    pens[quadrant].Draw(box.Right(from), box.Right(to), row);
+                else
+                    pens[quadrant].Draw(box.Left(to), box.Left(from), row);
+            });
+        }
     });
 }
 
@@ -224,42 +241,37 @@ void FillSelectedRow(const EllipseBox& box, const ArcSelection& selection, S32BI
     }
 }
 
-void DrawRadius(S_POINT centre, S_POINT end, U16BIT width, U32BIT colour)
+void DrawArc(const EllipseBox& box, U16BIT start, U16BIT arc, const Disc& disc, U32BIT colour)
 {
-    DrawLine(centre.x, centre.y, end.x, end.y, width, colour);
-    if (width > 1)
-        FillCircle(end.x, end.y, width, colour);
-}
-
-void DrawArc(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT start, U16BIT arc, U16BIT width,
-             U32BIT colour)
-{
-    const EllipseBox box(x, y, w, h);
     const U32BIT end = EndAngle(start, arc);
     const ArcSelection selection(start, end, HitOffset(box, start), HitOffset(box, end));
-    DrawSelectedOutline(box, selection, width, colour);
+    DrawSelectedOutline(box, selection, disc, colour);
 }
 
-void DrawSector(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT start, U16BIT arc, U16BIT width,
-                U32BIT fill_colour, U32BIT line_colour)
+void DrawSector(const EllipseBox& box, U16BIT start, U16BIT arc, U16BIT width, U32BIT fill_colour,
+                U32BIT line_colour)
 {
-    const EllipseBox box(x, y, w, h);
     const U32BIT end = EndAngle(start, arc);
-    const Offset start_offset = ScreenOffset(box, HitOffset(box, start));
-    const Offset end_offset = ScreenOffset(box, HitOffset(box, end));
+    const Offset ends[] = {ScreenOffset(box, HitOffset(box, start)),
+                           ScreenOffset(box, HitOffset(box, end))};
     // The fill keeps to the radii as they stand on the screen.
-    const ArcSelection selection(start, end, start_offset, end_offset);
+    const ArcSelection selection(start, end, ends[0], ends[1]);
     TraceRows<uint64_t>(box, [&](S32BIT dx, S32BIT dy) {
         FillSelectedRow(box, selection, dx, -dy, fill_colour);
         FillSelectedRow(box, selection, dx, dy + box.eh, fill_colour);
     });
 
-    DrawArc(x, y, w, h, start, arc, width, line_colour);
+    const Disc disc(width);
+    DrawArc(box, start, arc, disc, line_colour);
     const S_POINT centre = ScreenPoint(box, {0, 0});
-    DrawRadius(centre, ScreenPoint(box, start_offset), width, line_colour);
-    DrawRadius(centre, ScreenPoint(box, end_offset), width, line_colour);
+    for (const Offset& offset : ends) {
+        const S_POINT to = ScreenPoint(box, offset);
+        DrawLine(centre.x, centre.y, to.x, to.y, width, line_colour);
+        if (width > 1)
+            disc.Draw(to.x, to.y, line_colour);
+    }
     if (width > 1)
-        FillCircle(centre.x, centre.y, width, line_colour);
+        disc.Draw(centre.x, centre.y, line_colour);
 }
 
 bool IsDrawn(U16BIT w, U16BIT h, U16BIT start, U16BIT arc)
@@ -275,7 +287,7 @@ BOOLEAN DLA_Arc(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT start, U16BIT arc
     if (!dla_info.init)
         return FALSE;
     if (IsDrawn(w, h, start, arc))
-        DrawArc(x, y, w, h, start, arc, width, colour);
+        DrawArc(EllipseBox(x, y, w, h), start, arc, Disc(width), colour);
     return TRUE;
 }
 
@@ -292,6 +304,6 @@ BOOLEAN DLA_Sector(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT start, U16BIT 
     if (h == 1)
         return DLA_Rectangle(x, y, static_cast<S16BIT>(x + w), static_cast<S16BIT>(y + 1), width,
                              fill_colour, line_colour);
-    DrawSector(x, y, w, h, start, arc, width, fill_colour, line_colour);
+    DrawSector(EllipseBox(x, y, w, h), start, arc, width, fill_colour, line_colour);
     return TRUE;
 }

@@ -14,12 +14,14 @@ BOOLEAN DLA_Ellipse(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT width, U32BIT
         FillRow(box.Upper(dy), box.Left(dx), box.Right(dx) + 1, fill_colour);
         FillRow(box.Lower(dy), box.Left(dx), box.Right(dx) + 1, fill_colour);
     });
-    const OutlinePen pen(width, line_colour);
-    TraceOutline<U32BIT>(box, [&](S32BIT dx, S32BIT dy) {
-        pen.Draw(box.Right(dx), box.Lower(dy));
-        pen.Draw(box.Left(dx), box.Lower(dy));
-        pen.Draw(box.Left(dx), box.Upper(dy));
-        pen.Draw(box.Right(dx), box.Upper(dy));
+    const Disc disc(width);
+    OutlinePen pens[4] = {
+        {disc, line_colour}, {disc, line_colour}, {disc, line_colour}, {disc, line_colour}};
+    TraceOutline<U32BIT>(box, [&](S32BIT first, S32BIT last, S32BIT dy) {
+        pens[0].Draw(box.Right(first), box.Right(last), box.Lower(dy));
+        pens[1].Draw(box.Left(last), box.Left(first), box.Lower(dy));
+        pens[2].Draw(box.Left(last), box.Left(first), box.Upper(dy));
+        pens[3].Draw(box.Right(first), box.Right(last), box.Upper(dy));
     });
     return TRUE;
 }

@@ -16,15 +16,15 @@
  */
 #pragma once
 
-#include "DlaUtils.h"
+#include "dla_disc_p.h"
 
 #include <type_traits>
 
 struct EllipseBox
 {
     EllipseBox(S16BIT x, S16BIT y, U16BIT w, U16BIT h)
-        : rx(((w + 1U) >> 1) - 1), ry(((h + 1U) >> 1) - 1), cx(x + static_cast<S32BIT>(rx)),
-          cy(y + static_cast<S32BIT>(ry)), ew(w % 2 == 0 ? 1 : 0), eh(h % 2 == 0 ? 1 : 0)
+        : rx(((w + 1U) >> 1) - 1), ry(((h + 1U) >> 1) - 1), cx(static_cast<S16BIT>(x + rx)),
+          cy(static_cast<S16BIT>(y + ry)), ew(w % 2 == 0 ? 1 : 0), eh(h % 2 == 0 ? 1 : 0)
     {
     }
 
@@ -34,7 +34,7 @@ struct EllipseBox
     S32BIT Lower(S32BIT offset) const { return cy + eh + offset; }
 
     U32BIT rx, ry; /**< radii; 0 for a size of 1 or 2 */
-    S32BIT cx, cy; /**< the centre, its left and upper pixel */
+    S32BIT cx, cy; /**< the centre, its left and upper pixel, wrapped to 16 bits */
     S32BIT ew, eh; /**< 1 for an even width and height */
 };
 
@@ -77,12 +77,27 @@ void TraceRegion(Word falling_radius, Word growing_radius, Visit visit)
     }
 }
 
-/** Calls `visit` with every point of the trace. */
+/**
+ * Calls `visit` with every point of the trace, those of region 2 that are in one row at once: with
+ * the first and the last X, and Y.
+ */
 template <class Word, class Visit>
 void TraceOutline(const EllipseBox& box, Visit visit)
 {
-    TraceRegion<Word>(box.rx, box.ry, [&](S32BIT x, S32BIT y, bool) { visit(x, y); });
-    TraceRegion<Word>(box.ry, box.rx, [&](S32BIT y, S32BIT x, bool) { visit(x, y); });
+    TraceRegion<Word>(box.rx, box.ry, [&](S32BIT x, S32BIT y, bool) { visit(x, x, y); });
+    S32BIT first = 0;
+    S32BIT next = 0;
+    S32BIT row = 0;
+    TraceRegion<Word>(box.ry, box.rx, [&](S32BIT y, S32BIT x, bool falls) {
+        next = x + 1;
+        row = y;
+        if (falls) {
+            visit(first, x, y);
+            first = next;
+        }
+    });
+    if (first < next)
+        visit(first, next - 1, row);
 }
 
 /**
@@ -99,21 +114,36 @@ void TraceRows(const EllipseBox& box, Visit visit)
     });
 }
 
-/** Draws the points of an outline: pixels at width 1, else discs. Coordinates wrap to 16 bits. */
+/**
+ * Draws the points of an outline in one of the quarters, in order: pixels at width 1, else discs.
+ * Coordinates wrap to 16 bits.
+ */
 class OutlinePen
 {
 public:
-    OutlinePen(U16BIT width, U32BIT colour) : _width(width), _colour(colour) {}
+    OutlinePen(const Disc& disc, U32BIT colour) : _disc(disc), _colour(colour) {}
 
-    void Draw(S32BIT x, S32BIT y) const
+    /** Draws the points from x1 to x2, both included. */
+    void Draw(S32BIT x1, S32BIT x2, S32BIT y)
     {
-        if (_width == 1)
-            PutPixel(static_cast<S16BIT>(x), static_cast<S16BIT>(y), _colour);
-        else
-            FillCircle(static_cast<S16BIT>(x), static_cast<S16BIT>(y), _width, _colour);
+        const DiscRun run = {static_cast<S16BIT>(x1), static_cast<S16BIT>(x2),
+                             static_cast<S16BIT>(y)};
+        if (run.x2 - run.x1 == x2 - x1) {
+            DrawRun(run);
+            return;
+        }
+        for (; x1 <= x2; ++x1)
+            DrawRun({static_cast<S16BIT>(x1), static_cast<S16BIT>(x1), run.y});
     }
 
 private:
-    U16BIT _width;
+    void DrawRun(const DiscRun& run)
+    {
+        _disc.DrawAfter(_drawn, run, _colour);
+        _drawn = run;
+    }
+
+    const Disc& _disc;
     U32BIT _colour;
+    DiscRun _drawn = {0, -1, 0x20000}; // far below any buffer
 };

@@ -3,7 +3,8 @@
  * then two chains of edges, from the topmost vertex down both sides to the bottommost, say where
  * each row's span begins and ends.
  */
-#include "DlaUtils.h"
+#include "dla_disc_p.h"
+#include "dla_polygon_p.h"
 #include "dla_span_p.h"
 
 #include "dla_assert_p.h"
@@ -16,21 +17,6 @@ struct S_POINT_LIST_HEADER
     S32BIT length;
     const S_POINT* point_list;
     S_POINT* owned;
-};
-
-/** One row: columns x_start to x_end, inclusive; x_end may be one less, and wrap below 0. */
-struct S_HLINE
-{
-    U16BIT x_start;
-    U16BIT x_end;
-};
-
-/** `length` rows from y_start down. */
-struct S_HLINE_LIST
-{
-    S32BIT length;
-    S32BIT y_start;
-    S_HLINE* hline;
 };
 
 template <class T>
@@ -229,20 +215,6 @@ void WalkChain(const Ring& ring, S32BIT from, S32BIT bottom, S32BIT direction, S
     }
 }
 
-void DrawRows(const S_HLINE_LIST& rows, U32BIT colour)
-{
-    const S_HLINE* hline = rows.hline;
-    for (S32BIT i = 0; i < rows.length; ++i, ++hline) {
-        // Sides that have changed places leave a span of negative length.
-        const auto length = static_cast<S16BIT>(hline->x_end + 1 - hline->x_start);
-        if (length <= 0)
-            continue;
-        assert(hline->x_end < dla_info.width);
-        FillWords(PixelAt(hline->x_start, rows.y_start + i), static_cast<std::size_t>(length),
-                  colour);
-    }
-}
-
 /** Scan-converts a polygon that lies in the buffer. */
 void FillClipped(const Ring& ring, U32BIT colour)
 {
@@ -263,11 +235,25 @@ void FillClipped(const Ring& ring, U32BIT colour)
               [&](S32BIT i, S32BIT x) { rows.hline[i].x_start = static_cast<U16BIT>(x); });
     WalkChain(ring, sides.right, bottom, -sides.left_direction, sides.skip, rows,
               [&](S32BIT i, S32BIT x) { rows.hline[i].x_end = static_cast<U16BIT>(x - 1); });
-    DrawRows(rows, colour);
+    FillHLines(rows, colour);
     Free(rows.hline);
 }
 
 } // namespace
+
+void FillHLines(const S_HLINE_LIST& rows, U32BIT colour)
+{
+    const S_HLINE* hline = rows.hline;
+    for (S32BIT i = 0; i < rows.length; ++i, ++hline) {
+        // Sides that have changed places leave a span of negative length.
+        const auto length = static_cast<S16BIT>(hline->x_end + 1 - hline->x_start);
+        if (length <= 0)
+            continue;
+        assert(hline->x_end < dla_info.width);
+        FillWords(PixelAt(hline->x_start, rows.y_start + i), static_cast<std::size_t>(length),
+                  colour);
+    }
+}
 
 void FillPolygon(const S_POINT* points, U16BIT num_points, U32BIT colour)
 {
@@ -285,12 +271,13 @@ BOOLEAN DLA_Polygon(S_POINT* points, U16BIT num_points, U16BIT width, U32BIT fil
     if (!points || num_points < 3)
         return TRUE;
     FillPolygon(points, num_points, fill_colour);
+    const Disc joint(width);
     for (S32BIT i = 0; i < num_points; ++i) {
         const S_POINT& from = points[i];
         const S_POINT& to = points[i + 1 < num_points ? i + 1 : 0];
         DrawLine(from.x, from.y, to.x, to.y, width, line_colour);
         if (width > 1)
-            FillCircle(to.x, to.y, width, line_colour);
+            joint.Draw(to.x, to.y, line_colour);
     }
     return TRUE;
 }
@@ -302,12 +289,13 @@ BOOLEAN DLA_Polyline(S_POINT* points, U16BIT num_points, U16BIT width, U32BIT co
     // Two points draw nothing, on purpose: a polyline has a joint.
     if (!points || num_points < 3)
         return TRUE;
+    const Disc joint(width);
     for (S32BIT i = 0; i < num_points - 1; ++i) {
         const S_POINT& from = points[i];
         const S_POINT& to = points[i + 1];
         DrawLine(from.x, from.y, to.x, to.y, width, colour);
         if (width > 1 && i < num_points - 2)
-            FillCircle(to.x, to.y, width, colour);
+            joint.Draw(to.x, to.y, colour);
     }
     return TRUE;
 }
