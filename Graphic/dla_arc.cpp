@@ -167,17 +167,18 @@ void ArcSelection::SelectRow(int quadrant, S32BIT x, S32BIT y, Draw draw) const
         return;
     }
     const bool steeper = GrowsSteeper(quadrant);
-    const Range from_start = steeper ? _start.Steeper(x, y) : _start.Flatter(x, y);
-    const Range to_end = steeper ? _end.Flatter(x, y) : _end.Steeper(x, y);
+    const auto from_start = [&] { return steeper ? _start.Steeper(x, y) : _start.Flatter(x, y); };
+    const auto to_end = [&] { return steeper ? _end.Flatter(x, y) : _end.Steeper(x, y); };
     if (type == FromStartToEnd) {
-        draw(Range{std::max(from_start.first, to_end.first),
-                   std::min(from_start.last, to_end.last)});
+        const Range after = from_start();
+        const Range before = to_end();
+        draw(Range{std::max(after.first, before.first), std::min(after.last, before.last)});
         return;
     }
     if (type != ToEnd)
-        draw(from_start);
+        draw(from_start());
     if (type != FromStart)
-        draw(to_end);
+        draw(to_end());
 }
 
 // ---- Drawing --------------------------------------------------------------------------------
@@ -261,6 +262,8 @@ void DrawSector(const EllipseBox& box, U16BIT start, U16BIT arc, U16BIT width, U
         FillSelectedRow(box, selection, dx, dy + box.eh, fill_colour);
     });
 
+    if (width == 0)
+        return;
     const Disc disc(width);
     DrawArc(box, start, arc, disc, line_colour);
     const S_POINT centre = ScreenPoint(box, {0, 0});
@@ -286,7 +289,7 @@ BOOLEAN DLA_Arc(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT start, U16BIT arc
 {
     if (!dla_info.init)
         return FALSE;
-    if (IsDrawn(w, h, start, arc))
+    if (IsDrawn(w, h, start, arc) && width > 0)
         DrawArc(EllipseBox(x, y, w, h), start, arc, Disc(width), colour);
     return TRUE;
 }

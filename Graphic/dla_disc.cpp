@@ -59,10 +59,29 @@ inline Disc::Span Disc::SpanAt(const DiscRun& run, S32BIT row) const
     return {left, right};
 }
 
+/** Of a run that no column of is outside the buffer. */
+inline void Disc::DrawInside(const DiscRun& run, S32BIT top, S32BIT bottom, U32BIT colour) const
+{
+    const S32BIT length = run.x2 - run.x1 + 1 - _even;
+    U32BIT* row = PixelAt(run.x1, top);
+    for (S32BIT down = top - run.y; down < bottom - run.y; ++down, row += dla_info.width) {
+        const S32BIT half = _half[down < 0 ? -down : down + _even];
+        if (half > 0 || down == 0)
+            FillWords(row - half, static_cast<std::size_t>(length + 2 * half), colour);
+    }
+}
+
 void Disc::Draw(const DiscRun& run, U32BIT colour) const
 {
-    const S32BIT end = std::min<S32BIT>(run.y + _r - _even + 1, dla_info.height);
-    for (S32BIT row = std::max(run.y - _r, 0); row < end; ++row) {
+    const S32BIT top = std::max(run.y - _r, 0);
+    const S32BIT bottom = std::min<S32BIT>(run.y + _r - _even + 1, dla_info.height);
+    if (top >= bottom)
+        return;
+    if (run.x1 >= _r && run.x2 + _r < dla_info.width) {
+        DrawInside(run, top, bottom, colour);
+        return;
+    }
+    for (S32BIT row = top; row < bottom; ++row) {
         const Span span = SpanAt(run, row);
         FillWords(PixelAt(span.left, row), static_cast<std::size_t>(span.right - span.left),
                   colour);
@@ -71,6 +90,10 @@ void Disc::Draw(const DiscRun& run, U32BIT colour) const
 
 void Disc::DrawAfter(const DiscRun& drawn, const DiscRun& run, U32BIT colour) const
 {
+    if (_r < kWide) {
+        Draw(run, colour);
+        return;
+    }
     const S32BIT end = std::min<S32BIT>(run.y + _r - _even + 1, dla_info.height);
     for (S32BIT row = std::max(run.y - _r, 0); row < end; ++row) {
         const Span span = SpanAt(run, row);

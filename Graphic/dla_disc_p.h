@@ -30,12 +30,15 @@ public:
     Disc(const Disc&) = delete;
     Disc& operator=(const Disc&) = delete;
 
+    /** Half the width, rounded down. */
+    S32BIT Radius() const { return _r; }
+
     void Draw(S32BIT cx, S32BIT cy, U32BIT colour) const { Draw(DiscRun{cx, cx, cy}, colour); }
 
     /** Draws all discs of a run. */
     void Draw(const DiscRun& run, U32BIT colour) const;
 
-    /** The same, given that those of another run have just been drawn. */
+    /** The same, given that those of another run have just been drawn and need not be again. */
     void DrawAfter(const DiscRun& drawn, const DiscRun& run, U32BIT colour) const;
 
 private:
@@ -45,10 +48,13 @@ private:
         S32BIT right; /**< not included */
     };
 
+    void DrawInside(const DiscRun& run, S32BIT top, S32BIT bottom, U32BIT colour) const;
     void SetRow(S32BIT k, S32BIT half);
     Span SpanAt(const DiscRun& run, S32BIT row) const;
 
     static constexpr S32BIT kFew = 64;
+    /** From here on looking at what has been drawn is faster than drawing it again. */
+    static constexpr S32BIT kWide = 16;
 
     S32BIT _r;
     S32BIT _even;  /**< 1 for an even width */

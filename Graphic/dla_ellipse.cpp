@@ -11,9 +11,16 @@ BOOLEAN DLA_Ellipse(S16BIT x, S16BIT y, U16BIT w, U16BIT h, U16BIT width, U32BIT
 
     const EllipseBox box(x, y, w, h);
     TraceRows<U32BIT>(box, [&](S32BIT dx, S32BIT dy) {
-        FillRow(box.Upper(dy), box.Left(dx), box.Right(dx) + 1, fill_colour);
-        FillRow(box.Lower(dy), box.Left(dx), box.Right(dx) + 1, fill_colour);
+        const S32BIT left = std::max(box.Left(dx), 0);
+        const S32BIT right = std::min<S32BIT>(box.Right(dx) + 1, dla_info.width);
+        if (left >= right)
+            return;
+        for (const S32BIT row : {box.Upper(dy), box.Lower(dy)})
+            if (IsRow(row))
+                FillWords(PixelAt(left, row), static_cast<std::size_t>(right - left), fill_colour);
     });
+    if (width == 0)
+        return TRUE;
     const Disc disc(width);
     OutlinePen pens[4] = {
         {disc, line_colour}, {disc, line_colour}, {disc, line_colour}, {disc, line_colour}};

@@ -17,6 +17,7 @@
 #pragma once
 
 #include "dla_disc_p.h"
+#include "dla_span_p.h"
 
 #include <type_traits>
 
@@ -53,27 +54,29 @@ void TraceRegion(Word falling_radius, Word growing_radius, Visit visit)
     using Signed = typename std::make_signed<Word>::type;
     const Word f2 = falling_radius * falling_radius;
     const Word g2 = growing_radius * growing_radius;
+    const Word two_f2 = 2 * f2;
+    const Word two_g2 = 2 * g2;
     Word fall_change = g2 * (1 - 2 * falling_radius);
     Word grow_change = f2;
     Word error = 0;
-    Word stop_falling = 2 * g2 * falling_radius;
+    Word stop_falling = two_g2 * falling_radius;
     Word stop_growing = 0;
     auto falling = static_cast<S32BIT>(falling_radius);
     const S32BIT most_steps = falling_radius == 0 && growing_radius == 0 ? 1 : 0x10000;
     for (S32BIT growing = 0; growing < most_steps &&
                              static_cast<Signed>(stop_falling) >= static_cast<Signed>(stop_growing);
          ++growing) {
-        stop_growing += 2 * f2;
+        stop_growing += two_f2;
         error += grow_change;
-        grow_change += 2 * f2;
+        grow_change += two_f2;
         const bool falls = static_cast<Signed>(2 * error + fall_change) > 0;
         visit(falling, growing, falls);
-        if (falls) {
-            stop_falling -= 2 * g2;
-            error += fall_change;
-            fall_change += 2 * g2;
-            --falling;
-        }
+        // By a mask rather than a branch, which could not be foreseen.
+        const Word mask = Word{0} - Word{falls};
+        stop_falling -= two_g2 & mask;
+        error += fall_change & mask;
+        fall_change += two_g2 & mask;
+        falling -= falls ? 1 : 0;
     }
 }
 
@@ -116,7 +119,7 @@ void TraceRows(const EllipseBox& box, Visit visit)
 
 /**
  * Draws the points of an outline in one of the quarters, in order: pixels at width 1, else discs.
- * Coordinates wrap to 16 bits.
+ * Coordinates wrap to 16 bits. Not for width 0.
  */
 class OutlinePen
 {
@@ -139,6 +142,10 @@ public:
 private:
     void DrawRun(const DiscRun& run)
     {
+        if (_disc.Radius() == 0) {
+            FillRow(run.y, run.x1, run.x2 + 1, _colour);
+            return;
+        }
         _disc.DrawAfter(_drawn, run, _colour);
         _drawn = run;
     }

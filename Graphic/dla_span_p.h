@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 /** A pixel that is in the buffer. */
 inline U32BIT* PixelAt(S32BIT x, S32BIT y)
@@ -22,10 +24,38 @@ inline bool IsColumn(S32BIT x)
     return x >= 0 && x < dla_info.width;
 }
 
+/** A few pixels that compilers store with one instruction or two. */
+template <std::size_t Count>
+struct WordBlock
+{
+    explicit WordBlock(U32BIT colour) { std::fill_n(words, Count, colour); }
+    void Store(U32BIT* to) const { std::memcpy(to, words, sizeof words); }
+
+    U32BIT words[Count];
+};
+
+/** Fills neighbouring pixels of a row. */
 inline void FillWords(U32BIT* to, std::size_t count, U32BIT colour)
 {
-    for (std::size_t i = 0; i < count; ++i)
-        to[i] = colour;
+    if (count >= 8) {
+        // The first and the last block lie anywhere and overlap the others, which are aligned:
+        // stores across cache lines cost half as much again.
+        const WordBlock<8> block(colour);
+        U32BIT* const last = to + count - 8;
+        block.Store(to);
+        to += 8 - reinterpret_cast<std::uintptr_t>(to) / sizeof colour % 8;
+        for (; to < last; to += 8)
+            block.Store(to);
+        block.Store(last);
+    } else if (count >= 4) {
+        const WordBlock<4> block(colour);
+        block.Store(to);
+        block.Store(to + count - 4);
+    } else if (count > 0) {
+        to[0] = colour;
+        to[count / 2] = colour;
+        to[count - 1] = colour;
+    }
 }
 
 /** Fills the half-open rectangle from (left, top) up to (right, bottom), clipped to the buffer. */

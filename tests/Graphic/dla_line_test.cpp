@@ -114,6 +114,33 @@ TEST(DlaThinLine, ToTheLastColumnAndRowThatCanBeNamed)
     dla_info = DLA_INFO();
 }
 
+// By the error term that a line is defined with.
+TEST(DlaThinLine, TheLongestOnesAreExact)
+{
+    std::vector<U32BIT> pixels(32768 * 40);
+    for (const int length : {32767, 32766, 16384}) {
+        for (const int climb : {1, 2, 7, 38, 39}) {
+            std::fill(pixels.begin(), pixels.end(), 0);
+            ASSERT_TRUE(DLA_Init(pixels.data(), 40, 32768));
+            EXPECT_TRUE(
+                DLA_Line(0, 0, static_cast<S16BIT>(climb), static_cast<S16BIT>(length), 1, 1));
+            int error = 0;
+            int column = 0;
+            for (int row = 0; row <= length; ++row) {
+                ASSERT_EQ(pixels[static_cast<std::size_t>(row * 40 + column)], 1U)
+                    << row << " of " << length << ", " << climb;
+                error += climb;
+                if (2 * error >= length) {
+                    ++column;
+                    error -= length;
+                }
+            }
+            EXPECT_EQ(std::count(pixels.begin(), pixels.end(), U32BIT{1}), length + 1);
+        }
+    }
+    dla_info = DLA_INFO();
+}
+
 TEST(DlaThickLine, AnEvenWidthReachesFurtherUpAndLeft)
 {
     const DlaSketch sketch(30, 30);

@@ -1,6 +1,6 @@
 #include "dla_sketch.h"
 
-#include <cstdlib>
+#include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -135,6 +135,54 @@ TEST(DlaPolygonFill, IntersectionsOfTheLongestEdgesAreRight)
     EXPECT_EQ(sketch.At(0, 4517), '.'); // the apex, rounded toward the inside
     EXPECT_EQ(sketch.At(2, 4518), 'f');
     EXPECT_EQ(sketch.Count('f'), 3 * (6000 - 4518));
+}
+
+/** Where an edge from (x, 0) to (x + dx, dy) is in a row, by the definition. */
+int EdgeColumn(int x, int dx, int dy, int row)
+{
+    return x + static_cast<int>((dy - 1 + std::int64_t{row} * dx) / dy);
+}
+
+// The rows of a wedge that is open downward, so that its top is drawn and both edges are in sight.
+void ExpectExactEdges(int left, int left_dx, int right, int right_dx, int dy)
+{
+    std::vector<U32BIT> pixels(32767 * 64);
+    const bool flat = dy < 64;
+    ASSERT_TRUE(DLA_Init(pixels.data(), flat ? 32767 : 64, flat ? 64 : 32767));
+    const S_POINT points[] = {{static_cast<S16BIT>(left), 0},
+                              {static_cast<S16BIT>(right), 0},
+                              {static_cast<S16BIT>(right + right_dx), static_cast<S16BIT>(dy)},
+                              {static_cast<S16BIT>(left + left_dx), static_cast<S16BIT>(dy)}};
+    FillPolygon(points, 4, 1);
+    for (int y = 0; y < dy; ++y) {
+        const auto row = pixels.begin() + static_cast<std::ptrdiff_t>(y) * dla_info.width;
+        const auto end = row + dla_info.width;
+        const auto first = std::find(row, end, U32BIT{1});
+        ASSERT_EQ(first - row, EdgeColumn(left, left_dx, dy, y)) << "row " << y;
+        ASSERT_EQ(std::find(first, end, U32BIT{0}) - row, EdgeColumn(right, right_dx, dy, y))
+            << "row " << y;
+    }
+    dla_info = DLA_INFO();
+}
+
+TEST(DlaPolygonFill, TheLongestSteepEdgesAreExact)
+{
+    for (const int dy : {32766, 32765, 16384, 181}) {
+        for (const int dx : {0, 1, 2, 7, 13, 29}) {
+            ExpectExactEdges(30, -dx, 33, dx, dy);
+            ExpectExactEdges(1, dx, 32, 31 - dx, dy);
+        }
+    }
+}
+
+TEST(DlaPolygonFill, TheLongestFlatEdgesAreExact)
+{
+    for (const int dy : {1, 2, 3, 7, 47, 63}) {
+        for (const int dx : {0, 1, 63, 64, 8191, 16382}) {
+            ExpectExactEdges(16382, -dx, 16384, dx, dy);
+            ExpectExactEdges(0, dx, 20000, -dx / 8, dy);
+        }
+    }
 }
 
 // Convex, with rows that begin right of where they end.
