@@ -1,12 +1,13 @@
 /**
  * The drawing primitives beside Cairo, SDL2_gfx and pixman, on the same shapes in one run.
  *
- * Each painter fills a buffer of its own. "word fill" writes the very words that our primitive
- * leaves, run by run, and does nothing else: what drawing costs at least. Every pair of shape and
- * painter is measured several times, in random order, and the shortest time counts, so that what
- * else the machine does hits all alike. The table at the end has ns for a call and, below it, ns
- * for a pixel that the painter itself left; `best/ours` is the fastest peer's time over ours: above
- * 1, ours is faster.
+ * Each painter draws into a buffer of its own. "word fill" writes the very words that our primitive
+ * leaves, from a list of runs: for shapes of long rows that is the least that drawing can cost.
+ * Every pair of shape and painter is measured several times, in random order, and the shortest time
+ * counts, so that what else the machine does hits all alike.
+ *
+ * The table at the end has ns for a call and, below it, ns for a pixel that the painter itself
+ * left. `best/ours` is the fastest peer's time over ours: above 1, ours is faster.
  */
 #include "dla_shapes.h"
 
