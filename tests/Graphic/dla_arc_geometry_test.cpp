@@ -423,4 +423,34 @@ TEST(DlaArcQuarters, AreTheQuadrantsOfTheOutline)
     }
 }
 
+// The radii at right angles are in the sector. They start in the one pixel that is the centre of
+// even boxes too, whose right and lower halves are a pixel larger.
+TEST(DlaSectorQuarters, AreTheQuadrantsOfTheFill)
+{
+    for (const int size : {4, 5, 40, 41, 120, 121}) {
+        const int height = size * 2 / 3;
+        const auto w = static_cast<U16BIT>(size);
+        const auto h = static_cast<U16BIT>(height);
+        DlaModel whole(size + 6, height + 6, kBackground);
+        whole.Ellipse(3, 3, w, h, 0, kFill, kLine);
+        const EllipseBox box(3, 3, w, h);
+        for (int quarter = 0; quarter < 4; ++quarter) {
+            const DlaCanvas canvas(size + 6, height + 6, kBackground);
+            DLA_Sector(3, 3, w, h, static_cast<U16BIT>(quarter * kTurn / 4), kTurn / 4, 0, kFill,
+                       kLine);
+            kestrin_display::ArgbImage expected = whole.Picture();
+            for (int y = 0; y < expected.height; ++y) {
+                for (int x = 0; x < expected.width; ++x) {
+                    const bool right = quarter == 0 || quarter == 3;
+                    const bool in_column = right ? x >= box.cx : x <= box.cx;
+                    const bool in_row = quarter < 2 ? y <= box.cy : y >= box.cy;
+                    if (!in_column || !in_row)
+                        expected.At(x, y) = kBackground;
+                }
+            }
+            EXPECT_TRUE(canvas.Shows(expected)) << size << ", quarter " << quarter;
+        }
+    }
+}
+
 } // namespace

@@ -119,7 +119,7 @@ void SmallEllipses(U16BIT width)
     }
 }
 
-Cell Arcs(U16BIT width, std::vector<std::pair<int, int>> degrees)
+Cell Arcs(U16BIT width, const std::vector<std::pair<int, int>>& degrees)
 {
     return [=] {
         S16BIT inset = 6;
@@ -134,7 +134,7 @@ Cell Arcs(U16BIT width, std::vector<std::pair<int, int>> degrees)
 }
 
 /** Sectors next to each other, in turn of four colours. */
-Cell Pie(U16BIT w, U16BIT h, U16BIT width, std::vector<int> degrees)
+Cell Pie(U16BIT w, U16BIT h, U16BIT width, const std::vector<int>& degrees)
 {
     return [=] {
         const U32BIT fills[] = {kBlue, kYellow, kGreen, kRed};
