@@ -87,7 +87,7 @@ BOOLEAN DLA_Border(U16BIT width, U32BIT line_colour)
         DrawThinFrame(line_colour);
         return TRUE;
     }
-    // Corners are 16 bit: a border wider than 32768 draws nothing, nor do most on wider buffers.
+    // Corners wrap to 16 bits, so that not all sides of the widest borders and buffers are drawn.
     const auto right = static_cast<S16BIT>(dla_info.width - 1);
     const auto bottom = static_cast<S16BIT>(dla_info.height - 1);
     const auto inner_left = static_cast<S16BIT>(width - 1);

@@ -66,7 +66,10 @@ KESTRIN_EXPORT BOOLEAN DLA_Line(S16BIT x1, S16BIT y1, S16BIT x2, S16BIT y2, U16B
 KESTRIN_EXPORT BOOLEAN DLA_Rectangle(S16BIT x1, S16BIT y1, S16BIT x2, S16BIT y2, U16BIT width,
                                      U32BIT fill_colour, U32BIT line_colour);
 
-/** A frame of `width` pixels along the inner edges of the whole buffer. */
+/**
+ * A frame of `width` pixels along the inner edges of the whole buffer. Sides may be missing of one
+ * wider than 32768, and of one wider than 1 on a buffer of more than 32768 pixels a side.
+ */
 KESTRIN_EXPORT BOOLEAN DLA_Border(U16BIT width, U32BIT line_colour);
 
 /**
