@@ -55,7 +55,7 @@ struct Surfaces
 {
     explicit Surfaces(IDirectFB* dfb)
         : argb(Make(dfb, DSPF_ARGB)), argb_source(Make(dfb, DSPF_ARGB)), lut(Make(dfb, DSPF_LUT8)),
-          lut_source(Make(dfb, DSPF_LUT8))
+          lut_source(Make(dfb, DSPF_LUT8)), coverage(Make(dfb, DSPF_A8))
     {
         IDirectFBPalette* palette = nullptr;
         lut->GetPalette(lut, &palette);
@@ -89,6 +89,7 @@ struct Surfaces
     IDirectFBSurface* argb_source;
     IDirectFBSurface* lut;
     IDirectFBSurface* lut_source;
+    IDirectFBSurface* coverage;
 };
 
 struct Operation
@@ -143,6 +144,17 @@ void StretchUnder(Surfaces& s, int width, int height)
     s.argb->StretchBlit(s.argb, s.argb_source, &from, &to);
 }
 
+/** As DirectFB draws a character of a font. */
+void Character(Surfaces& s, int width, int height)
+{
+    const DFBRectangle area = {0, 0, width, height};
+    s.argb->SetBlittingFlags(
+        s.argb, static_cast<DFBSurfaceBlittingFlags>(DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_COLORIZE));
+    s.argb->SetPorterDuff(s.argb, DSPD_NONE);
+    s.argb->SetColor(s.argb, 10, 20, 30, 255);
+    s.argb->Blit(s.argb, s.coverage, &area, 0, 0);
+}
+
 void FillIndices(Surfaces& s, int width, int height)
 {
     s.lut->SetDrawingFlags(s.lut, DSDRAW_NOFX);
@@ -176,6 +188,7 @@ const std::vector<Operation>& Operations()
         BlitOf("blit_3", image),
         BlitOf("blit_225", straight),
         {"glyph", 4, Glyph},
+        {"character", 4, Character},
         BlitOf("blit_key", DSBLIT_SRC_COLORKEY),
         {"stretch_dst_over", 4, StretchUnder},
         {"lut8_fill", 1, FillIndices},
@@ -195,7 +208,7 @@ const std::vector<Operation>& Operations()
          }},
         Fill("fill_dst_over_left", DSDRAW_BLEND, DSPD_DST_OVER),
         BlitOf("blit_colorize_left", DSBLIT_COLORIZE),
-        {"lut8_blit_3_left", 1,
+        {"lut8_blit_3", 1,
          [](Surfaces& s, int width, int height) {
              Blit(s.lut, s.lut_source, image, width, height);
          }},

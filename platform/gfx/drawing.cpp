@@ -1,16 +1,19 @@
 #include "drawing.h"
 
+#include "palette_table.h"
+
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace kestrin_gfx {
 namespace {
 
-constexpr unsigned palette_size = 256;
-
 constexpr unsigned blit_image = DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_BLEND_COLORALPHA;
 constexpr unsigned blit_straight =
     DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_SRC_PREMULTIPLY | DSBLIT_DST_PREMULTIPLY | DSBLIT_DEMULTIPLY;
+
+constexpr unsigned blit_covered = DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_COLORIZE;
 
 constexpr std::uint32_t Pixel(unsigned a, unsigned r, unsigned g, unsigned b)
 {
@@ -36,34 +39,43 @@ bool IsKnown(const CoreSurface& surface)
             surface.palette->num_entries == palette_size);
 }
 
+bool IsCoverage(const CoreSurface& surface)
+{
+    return surface.config.format == DSPF_A8 && (surface.config.caps & DSCAPS_SEPARATED) == 0;
+}
+
+int BytesPerPixel(DFBSurfacePixelFormat format)
+{
+    return format == DSPF_ARGB ? 4 : 1;
+}
+
 bool IsSourceOver(const CardState& state)
 {
     return state.src_blend == DSBF_ONE && state.dst_blend == DSBF_INVSRCALPHA;
 }
 
-/** The palette index that an index becomes, asked for once for each that occurs. */
-class IndexTable
+bool IsStraightOver(const CardState& state)
 {
-public:
-    template <class Change>
-    std::uint8_t operator()(std::uint8_t index, const Change& change)
-    {
-        if (!_known[index]) {
-            _value[index] = change(index);
-            _known[index] = true;
-        }
-        return _value[index];
-    }
+    return state.src_blend == DSBF_SRCALPHA && state.dst_blend == DSBF_INVSRCALPHA;
+}
 
-private:
-    std::uint8_t _value[palette_size];
-    bool _known[palette_size] = {};
-};
-
-std::uint8_t NearestIndex(CorePalette* palette, unsigned r, unsigned g, unsigned b, unsigned a)
+std::uint8_t NearestIndex(CorePalette* palette, std::uint32_t pixel)
 {
-    return static_cast<std::uint8_t>(dfb_palette_search(
-        palette, static_cast<u8>(r), static_cast<u8>(g), static_cast<u8>(b), static_cast<u8>(a)));
+    return static_cast<std::uint8_t>(
+        dfb_palette_search(palette, static_cast<u8>(pixel >> 16), static_cast<u8>(pixel >> 8),
+                           static_cast<u8>(pixel), static_cast<u8>(pixel >> 24)));
+}
+
+// A row of one pixel, or of many.
+
+Target RowOf(std::uint32_t* pixels)
+{
+    return {reinterpret_cast<std::uint8_t*>(pixels), 0};
+}
+
+Source SourceRowOf(const std::uint32_t* pixels)
+{
+    return {reinterpret_cast<const std::uint8_t*>(pixels), 0};
 }
 
 } // namespace
@@ -75,7 +87,7 @@ bool Drawing::CanDo(const CardState& state, DFBAccelerationMask operation)
         return false;
     if (operation == DFXL_FILLRECTANGLE)
         return FillOf(state) != Fill::None;
-    if (!IsKnown(*state.source))
+    if (!IsKnown(*state.source) && !IsCoverage(*state.source))
         return false;
     return operation == DFXL_BLIT ? CopyOf(state) != Copy::None : IsStretchUnder(state);
 }
@@ -90,25 +102,31 @@ Drawing::Fill Drawing::FillOf(const CardState& state)
         return Fill::Opaque;
     if (IsSourceOver(state))
         return Fill::Over;
-    if (state.src_blend == DSBF_SRCALPHA && state.dst_blend == DSBF_INVSRCALPHA)
-        return Fill::Straight;
-    return Fill::None;
+    return IsStraightOver(state) ? Fill::Straight : Fill::None;
 }
 
 Drawing::Copy Drawing::CopyOf(const CardState& state)
 {
     const auto flags = static_cast<unsigned>(state.blittingflags);
-    if (IsIndexed(*state.destination) && !IsIndexed(*state.source))
+    const bool indices = IsIndexed(*state.source);
+    if (IsCoverage(*state.source)) {
+        if (!IsStraightOver(state) || IsIndexed(*state.destination))
+            return Copy::None;
+        if (flags == blit_covered)
+            return Copy::Covered;
+        return flags == (blit_covered | blit_image) ? Copy::CoveredFaded : Copy::None;
+    }
+    if (IsIndexed(*state.destination) && !indices)
         return Copy::None;
     if (flags == DSBLIT_NOFX)
         return Copy::Opaque;
     if (flags == DSBLIT_SRC_COLORKEY)
         return Copy::Keyed;
-    if (!IsSourceOver(state) || IsIndexed(*state.destination))
+    if (!IsSourceOver(state))
         return Copy::None;
     // DirectFB's loop for this one alone lets sums run over, and only from ARGB.
     if (flags == DSBLIT_BLEND_ALPHACHANNEL)
-        return IsIndexed(*state.source) ? Copy::Faded : Copy::Over;
+        return indices ? Copy::Faded : Copy::Over;
     if (flags == blit_image)
         return Copy::Faded;
     return flags == blit_straight ? Copy::Straight : Copy::None;
@@ -118,13 +136,26 @@ bool Drawing::IsStretchUnder(const CardState& state)
 {
     return state.blittingflags == DSBLIT_BLEND_ALPHACHANNEL &&
            state.src_blend == DSBF_INVDESTALPHA && state.dst_blend == DSBF_ONE &&
-           !IsIndexed(*state.destination) && !IsIndexed(*state.source);
+           state.destination->config.format == DSPF_ARGB &&
+           state.source->config.format == DSPF_ARGB;
+}
+
+void Drawing::Open(const Kernels& kernels)
+{
+    _kernels = &kernels;
+    _pairs = new (std::nothrow) PairTable;
+}
+
+void Drawing::Close()
+{
+    delete _pairs;
+    _pairs = nullptr;
 }
 
 void Drawing::Prepare(CardState& state, DFBAccelerationMask operation)
 {
     _target = {static_cast<std::uint8_t*>(state.dst.addr), static_cast<int>(state.dst.pitch)};
-    _target_indexed = IsIndexed(*state.destination);
+    _target_format = state.destination->config.format;
     _target_palette = state.destination->palette;
     _clip = state.clip;
     if (operation == DFXL_FILLRECTANGLE)
@@ -137,7 +168,7 @@ void Drawing::PrepareFill(const CardState& state)
 {
     const DFBColor& color = state.color;
     _fill = FillOf(state);
-    _pixel = _target_indexed ? state.color_index & 0xff : PixelOf(color);
+    _pixel = _target_format == DSPF_LUT8 ? state.color_index & 0xff : PixelOf(color);
     _keep = 256U - color.a;
     _added = PixelOf(color);
     if (_fill == Fill::Straight) {
@@ -150,39 +181,44 @@ void Drawing::PrepareFill(const CardState& state)
 void Drawing::PrepareBlit(const CardState& state)
 {
     _source = {static_cast<const std::uint8_t*>(state.src.addr), static_cast<int>(state.src.pitch)};
-    _source_indexed = IsIndexed(*state.source);
+    _source_format = state.source->config.format;
     _source_palette = state.source->palette;
     _copy = CopyOf(state);
     _opacity = (state.blittingflags & DSBLIT_BLEND_COLORALPHA) != 0 ? state.color.a + 1U : 256;
     _key = state.src_colorkey;
+    _pixel = PixelOf(state.color);
 }
 
 Target Drawing::At(int x, int y) const
 {
-    return {_target.start + y * _target.pitch + std::ptrdiff_t{x} * (_target_indexed ? 1 : 4),
+    return {_target.start + y * _target.pitch + std::ptrdiff_t{x} * BytesPerPixel(_target_format),
             _target.pitch};
 }
 
 Source Drawing::From(int x, int y) const
 {
-    return {_source.start + y * _source.pitch + std::ptrdiff_t{x} * (_source_indexed ? 1 : 4),
+    return {_source.start + y * _source.pitch + std::ptrdiff_t{x} * BytesPerPixel(_source_format),
             _source.pitch};
+}
+
+Size Drawing::Bytes(const Size& pixels) const
+{
+    return {pixels.width * BytesPerPixel(_target_format), pixels.height};
 }
 
 bool Drawing::FillRectangle(const DFBRectangle& area) const
 {
     const Size size = {area.w, area.h};
-    Target to = At(area.x, area.y);
-    if (_fill != Fill::Opaque && _target_indexed) {
-        FillIndicesOver(to, size);
-    } else if (_fill != Fill::Opaque) {
-        _kernels->fill_over(to, size, _added, _keep);
-    } else if (!_target_indexed) {
+    const Target to = At(area.x, area.y);
+    const bool indices = _target_format == DSPF_LUT8;
+    if (_fill == Fill::Opaque && indices)
+        _kernels->fill_bytes(to, size, static_cast<std::uint8_t>(_pixel));
+    else if (_fill == Fill::Opaque)
         _kernels->fill(to, size, _pixel);
-    } else {
-        for (int y = 0; y < size.height; ++y, to.start += to.pitch)
-            std::memset(to.start, static_cast<int>(_pixel), static_cast<std::size_t>(size.width));
-    }
+    else if (indices)
+        FillIndicesOver(to, size);
+    else
+        _kernels->fill_over(to, size, _added, _keep);
     return true;
 }
 
@@ -191,12 +227,9 @@ void Drawing::FillIndicesOver(Target to, Size size) const
 {
     IndexTable table;
     const auto blended = [this](std::uint8_t index) {
-        const DFBColor& old = _target_palette->entries[index];
-        const auto channel = [this](unsigned value, int shift) {
-            return std::min((value * _keep >> 8) + (_added >> shift & 0xff), 255U);
-        };
-        return NearestIndex(_target_palette, channel(old.r, 16), channel(old.g, 8),
-                            channel(old.b, 0), channel(old.a, 24));
+        std::uint32_t pixel = PixelOf(_target_palette->entries[index]);
+        _kernels->fill_over(RowOf(&pixel), {1, 1}, _added, _keep);
+        return NearestIndex(_target_palette, pixel);
     };
     for (int y = 0; y < size.height; ++y, to.start += to.pitch) {
         for (int x = 0; x < size.width; ++x)
@@ -207,29 +240,40 @@ void Drawing::FillIndicesOver(Target to, Size size) const
 bool Drawing::Blit(const DFBRectangle& from, int x, int y) const
 {
     const Size size = {from.w, from.h};
+    const Target to = At(x, y);
+    const Source source = From(from.x, from.y);
     if (_source.start == _target.start)
         return BlitInPlace(from, x, y);
-    if (_target_indexed)
-        return BlitIndices(At(x, y), From(from.x, from.y), size);
-    // DirectFB's own loops do not agree on keys that no colour can be.
-    if (_copy == Copy::Keyed && _key > (_source_indexed ? 0xffU : 0xffffffU))
+    if (_copy == Copy::Keyed) {
+        // DirectFB's own loops do not agree on keys that no pixel can have.
+        if (_key > (_source_format == DSPF_LUT8 ? 0xffU : 0xffffffU))
+            return false;
+        if (_target_format == DSPF_LUT8 && !dfb_palette_equal(_target_palette, _source_palette))
+            return false;
+    }
+    if (_target_format == DSPF_LUT8 && _copy > Copy::Keyed && _pairs == nullptr)
         return false;
-    if (_source_indexed)
-        BlitFromPalette(At(x, y), From(from.x, from.y), size);
+
+    if (_target_format != DSPF_LUT8 && _source_format == DSPF_LUT8)
+        BlitFromPalette(to, source, size);
+    else if (_target_format != DSPF_LUT8)
+        BlitPixels(to, source, size);
+    else if (_copy > Copy::Keyed)
+        BlendIndices(to, source, size);
     else
-        BlitPixels(At(x, y), From(from.x, from.y), size);
+        BlitIndices(to, source, size);
     return true;
 }
 
 /** Moves a part of a surface; blending within one is DirectFB's. */
 bool Drawing::BlitInPlace(const DFBRectangle& from, int x, int y) const
 {
-    if (_copy != Copy::Opaque || _target_indexed != _source_indexed)
+    if (_copy != Copy::Opaque || _target_format != _source_format)
         return false;
     const bool upwards = y > from.y;
     const int last = upwards ? from.h - 1 : 0;
     const std::ptrdiff_t step = upwards ? -_target.pitch : _target.pitch;
-    const std::size_t bytes = static_cast<std::size_t>(from.w) * (_target_indexed ? 1 : 4);
+    const auto bytes = static_cast<std::size_t>(Bytes({from.w, 1}).width);
     std::uint8_t* to = At(x, y + last).start;
     const std::uint8_t* row = From(from.x, from.y + last).start;
     for (int i = 0; i < from.h; ++i, to += step, row += step)
@@ -252,9 +296,14 @@ void Drawing::BlitPixels(Target to, Source from, Size size) const
     case Copy::Straight:
         _kernels->blit_straight(to, from, size);
         break;
+    case Copy::Covered:
+        _kernels->blit_covered(to, from, size, _pixel);
+        break;
+    case Copy::CoveredFaded:
+        _kernels->blit_covered_faded(to, from, size, _pixel, _opacity);
+        break;
     default:
-        for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch)
-            std::memcpy(to.start, from.start, static_cast<std::size_t>(size.width) * 4);
+        _kernels->copy(to, from, Bytes(size));
     }
 }
 
@@ -278,33 +327,46 @@ void Drawing::BlitFromPalette(Target to, Source from, Size size) const
             for (int i = 0; i < width; ++i)
                 expanded[i] = PixelOf(colors[indices[i]]);
             if (_copy != Copy::Opaque)
-                BlitPixels({reinterpret_cast<std::uint8_t*>(target), 0},
-                           {reinterpret_cast<const std::uint8_t*>(row), 0}, {width, 1});
+                BlitPixels(RowOf(target), SourceRowOf(row), {width, 1});
         }
     }
 }
 
-bool Drawing::BlitIndices(Target to, Source from, Size size) const
+void Drawing::BlitIndices(Target to, Source from, Size size) const
 {
-    const bool same = dfb_palette_equal(_target_palette, _source_palette);
     if (_copy == Copy::Keyed) {
-        if (!same || _key > 0xff)
-            return false;
         _kernels->blit_keyed_bytes(to, from, size, static_cast<std::uint8_t>(_key));
-        return true;
+        return;
+    }
+    if (dfb_palette_equal(_target_palette, _source_palette)) {
+        _kernels->copy(to, from, size);
+        return;
     }
     IndexTable table;
     const auto converted = [this](std::uint8_t index) {
-        const DFBColor& color = _source_palette->entries[index];
-        return NearestIndex(_target_palette, color.r, color.g, color.b, color.a);
+        return NearestIndex(_target_palette, PixelOf(_source_palette->entries[index]));
     };
     for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch) {
-        if (same)
-            std::memcpy(to.start, from.start, static_cast<std::size_t>(size.width));
-        for (int x = 0; !same && x < size.width; ++x)
+        for (int x = 0; x < size.width; ++x)
             to.start[x] = table(from.start[x], converted);
     }
-    return true;
+}
+
+/** Blends the colours behind palette indices and takes the nearest that the palette has. */
+void Drawing::BlendIndices(Target to, Source from, Size size) const
+{
+    _pairs->Use(*_target_palette, *_source_palette,
+                _opacity << 1 | (_copy == Copy::Straight ? 1U : 0U));
+    const auto blended = [this](std::uint8_t old, std::uint8_t index) {
+        std::uint32_t pixel = PixelOf(_target_palette->entries[old]);
+        const std::uint32_t source = PixelOf(_source_palette->entries[index]);
+        BlitPixels(RowOf(&pixel), SourceRowOf(&source), {1, 1});
+        return NearestIndex(_target_palette, pixel);
+    };
+    for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch) {
+        for (int x = 0; x < size.width; ++x)
+            to.start[x] = (*_pairs)(to.start[x], from.start[x], blended);
+    }
 }
 
 /**
@@ -332,8 +394,7 @@ bool Drawing::StretchBlit(const DFBRectangle& from, const DFBRectangle& to) cons
             int position = step_x * (x - to.x);
             for (int i = 0; i < width; ++i, position += step_x)
                 row[i] = source[position >> 16];
-            _kernels->blit_under(At(x, y), {reinterpret_cast<const std::uint8_t*>(row), 0},
-                                 {width, 1});
+            _kernels->blit_under(At(x, y), SourceRowOf(row), {width, 1});
         }
     }
     return true;

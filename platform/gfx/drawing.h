@@ -12,6 +12,8 @@
 
 namespace kestrin_gfx {
 
+class PairTable;
+
 /** DirectFB keeps it in memory that it has filled with zeros, so it has no constructor. */
 class Drawing
 {
@@ -25,7 +27,10 @@ public:
     /** Whether one operation under a state is the driver's; colours and keys do not matter. */
     static bool CanDo(const CardState& state, DFBAccelerationMask operation);
 
-    void UseKernels(const Kernels& kernels) { _kernels = &kernels; }
+    /** Gives it its loops and its memory. */
+    void Open(const Kernels& kernels);
+    /** Gives the memory back. */
+    void Close();
 
     /** Takes over a state that CanDo has approved of, with its buffers locked. */
     void Prepare(CardState& state, DFBAccelerationMask operation);
@@ -52,7 +57,9 @@ private:
         Keyed,
         Over,
         Faded,
-        Straight
+        Straight,
+        Covered,
+        CoveredFaded
     };
 
     static Fill FillOf(const CardState& state);
@@ -63,17 +70,20 @@ private:
     void PrepareBlit(const CardState& state);
     Target At(int x, int y) const;
     Source From(int x, int y) const;
+    Size Bytes(const Size& pixels) const;
     void FillIndicesOver(Target to, Size size) const;
     bool BlitInPlace(const DFBRectangle& from, int x, int y) const;
     void BlitPixels(Target to, Source from, Size size) const;
     void BlitFromPalette(Target to, Source from, Size size) const;
-    bool BlitIndices(Target to, Source from, Size size) const;
+    void BlitIndices(Target to, Source from, Size size) const;
+    void BlendIndices(Target to, Source from, Size size) const;
 
     const Kernels* _kernels;
+    PairTable* _pairs;
     Target _target;
     Source _source;
-    bool _target_indexed;
-    bool _source_indexed;
+    DFBSurfacePixelFormat _target_format;
+    DFBSurfacePixelFormat _source_format;
     CorePalette* _target_palette;
     CorePalette* _source_palette;
     DFBRegion _clip;

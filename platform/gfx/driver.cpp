@@ -86,7 +86,7 @@ DFBResult InitDriver(CoreGraphicsDevice*, GraphicsDeviceFuncs* functions, void* 
     functions->StretchBlit = StretchBlit;
 
     auto& driver = *static_cast<Driver*>(driver_data);
-    driver.drawing.UseKernels(BestKernels());
+    driver.drawing.Open(BestKernels());
     return dfb_surface_pool_initialize2(core, &memory_pool_functions, nullptr, &driver.pool);
 }
 
@@ -99,8 +99,8 @@ DFBResult InitDevice(CoreGraphicsDevice*, GraphicsDeviceInfo* info, void*, void*
     info->caps.clip = Drawing::clipping;
     info->caps.drawing = DSDRAW_BLEND;
     info->caps.blitting = static_cast<DFBSurfaceBlittingFlags>(
-        DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_BLEND_COLORALPHA | DSBLIT_SRC_COLORKEY |
-        DSBLIT_SRC_PREMULTIPLY | DSBLIT_DST_PREMULTIPLY | DSBLIT_DEMULTIPLY);
+        DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_BLEND_COLORALPHA | DSBLIT_COLORIZE |
+        DSBLIT_SRC_COLORKEY | DSBLIT_SRC_PREMULTIPLY | DSBLIT_DST_PREMULTIPLY | DSBLIT_DEMULTIPLY);
     return DFB_OK;
 }
 
@@ -108,9 +108,10 @@ void CloseDevice(CoreGraphicsDevice*, void*, void*) {}
 
 void CloseDriver(CoreGraphicsDevice*, void* driver_data)
 {
-    CoreSurfacePool* pool = static_cast<Driver*>(driver_data)->pool;
-    if (pool != nullptr)
-        dfb_surface_pool_destroy(pool);
+    auto& driver = *static_cast<Driver*>(driver_data);
+    driver.drawing.Close();
+    if (driver.pool != nullptr)
+        dfb_surface_pool_destroy(driver.pool);
 }
 
 // DirectFB loads every module of the directory and asks later; the module announces itself.

@@ -38,8 +38,14 @@ struct Kernels
     /** Writes one value. */
     void (*fill)(Target to, Size size, std::uint32_t pixel);
 
+    /** Writes one value into bytes. */
+    void (*fill_bytes)(Target to, Size size, std::uint8_t value);
+
     /** Keeps `keep` (0 to 256) 256ths of what is there and adds a value, channel by channel. */
     void (*fill_over)(Target to, Size size, std::uint32_t added, unsigned keep);
+
+    /** Copies rows of bytes; the width is in bytes. */
+    void (*copy)(Target to, Source from, Size size);
 
     /**
      * Puts colours that were multiplied with their alpha over what is there. Colours that were
@@ -58,6 +64,13 @@ struct Kernels
 
     /** Copies pixels whose colour, alpha aside, is not the key. The key's upper byte is 0. */
     void (*blit_keyed)(Target to, Source from, Size size, std::uint32_t key);
+
+    /** Puts an opaque colour over what is there where a source of bytes covers it. */
+    void (*blit_covered)(Target to, Source from, Size size, std::uint32_t color);
+
+    /** The same with coverage scaled by `opacity` (1 to 256) 256ths. */
+    void (*blit_covered_faded)(Target to, Source from, Size size, std::uint32_t color,
+                               unsigned opacity);
 
     /** Copies bytes that are not the key. */
     void (*blit_keyed_bytes)(Target to, Source from, Size size, std::uint8_t key);

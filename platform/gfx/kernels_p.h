@@ -128,7 +128,7 @@ KESTRIN_INLINE typename V::U32 AddClamped(typename V::U32 a, typename V::U32 b)
 
 struct Fill
 {
-    static constexpr bool reads_source = false;
+    static constexpr int source_bytes = 0;
     std::uint32_t pixel;
 
     template <class V>
@@ -140,7 +140,7 @@ struct Fill
 
 struct FillOver
 {
-    static constexpr bool reads_source = false;
+    static constexpr int source_bytes = 0;
     std::uint32_t added;
     std::uint16_t keep;
 
@@ -153,7 +153,7 @@ struct FillOver
 
 struct Over
 {
-    static constexpr bool reads_source = true;
+    static constexpr int source_bytes = 4;
 
     template <class V>
     KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 from) const
@@ -164,7 +164,7 @@ struct Over
 
 struct Faded
 {
-    static constexpr bool reads_source = true;
+    static constexpr int source_bytes = 4;
     std::uint16_t opacity;
 
     template <class V>
@@ -178,7 +178,7 @@ struct Faded
 
 struct Straight
 {
-    static constexpr bool reads_source = true;
+    static constexpr int source_bytes = 4;
 
     template <class V>
     KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 from) const
@@ -190,7 +190,7 @@ struct Straight
 
 struct Under
 {
-    static constexpr bool reads_source = true;
+    static constexpr int source_bytes = 4;
 
     template <class V>
     KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 from) const
@@ -201,7 +201,7 @@ struct Under
 
 struct Keyed
 {
-    static constexpr bool reads_source = true;
+    static constexpr int source_bytes = 4;
     std::uint32_t key;
 
     template <class V>
@@ -212,12 +212,64 @@ struct Keyed
     }
 };
 
+/** Coverage puts an opaque colour over what is there. */
+struct Covered
+{
+    static constexpr int source_bytes = 1;
+    std::uint32_t color;
+
+    template <class V>
+    KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 coverage) const
+    {
+        using U16 = typename V::U16;
+        using U32 = typename V::U32;
+        const auto lanes = (U16)to;
+        const U16 kept = Both<V>(256 - coverage);
+        const U16 gained = Both<V>(coverage + 1);
+        // Both parts are added up before the division, and alpha gains the coverage itself.
+        const U16 blue_red = (U16)(U32{} + (color & 0xff00ff)) * gained;
+        const U16 green = (U16)(U32{} + (color >> 8 & 0xff)) * gained;
+        const auto green_alpha = (U16)((U32)green | coverage << 24);
+        return (U32)(((lanes & 0xff) * kept + blue_red) >> 8 |
+                     (((lanes >> 8) * kept + green_alpha) & 0xff00));
+    }
+};
+
+/** Coverage scaled by an opacity puts a colour over what is there. */
+struct CoveredFaded
+{
+    static constexpr int source_bytes = 1;
+    std::uint32_t color; // without alpha
+    std::uint16_t opacity;
+
+    template <class V>
+    KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 coverage) const
+    {
+        const auto alpha = (typename V::U32)((typename V::U16)coverage * opacity >> 8);
+        const auto gained = Scale<V>(alpha << 24 | color, Both<V>(alpha + 1));
+        return AddClamped<V>(gained, Scale<V>(to, Both<V>(256 - alpha)));
+    }
+};
+
+/** The source's pixels, bytes widened to words. */
+template <class V, int Bytes>
+KESTRIN_INLINE typename V::U32 LoadSource(const std::uint8_t* from)
+{
+    if constexpr (Bytes == 4)
+        return Load<V>(from);
+    if constexpr (Bytes == 1) {
+        typedef std::uint8_t Narrow __attribute__((vector_size(V::pixels)));
+        Narrow bytes;
+        std::memcpy(&bytes, from, sizeof bytes);
+        return __builtin_convertvector(bytes, typename V::U32);
+    }
+    return typename V::U32{};
+}
+
 template <class V, class Operation>
 KESTRIN_INLINE void ApplyTo(std::uint8_t* to, const std::uint8_t* from, const Operation& operation)
 {
-    typename V::U32 source{};
-    if (Operation::reads_source)
-        source = Load<V>(from);
+    const auto source = LoadSource<V, Operation::source_bytes>(from);
     Store<V>(to, operation.template Apply<V>(Load<V>(to), source));
 }
 
@@ -226,22 +278,22 @@ template <class Operation>
 KESTRIN_INLINE void ApplyToRest(std::uint8_t* to, const std::uint8_t* from, int pixels,
                                 const Operation& operation)
 {
-    std::uint32_t target[Small::pixels] = {};
-    std::uint32_t source[Small::pixels] = {};
+    constexpr int bytes = Operation::source_bytes;
+    std::uint8_t target[small_bytes] = {};
+    std::uint8_t source[small_bytes] = {};
     for (int i = 0; i < pixels; ++i) {
-        std::memcpy(&target[i], to + 4 * i, 4);
-        if (Operation::reads_source)
-            std::memcpy(&source[i], from + 4 * i, 4);
+        std::memcpy(target + 4 * i, to + 4 * i, 4);
+        std::memcpy(source + bytes * i, from + bytes * i, bytes);
     }
-    ApplyTo<Small>(reinterpret_cast<std::uint8_t*>(target),
-                   reinterpret_cast<const std::uint8_t*>(source), operation);
+    ApplyTo<Small>(target, source, operation);
     for (int i = 0; i < pixels; ++i)
-        std::memcpy(to + 4 * i, &target[i], 4);
+        std::memcpy(to + 4 * i, target + 4 * i, 4);
 }
 
 template <class Operation>
 KESTRIN_INLINE void ApplyToAll(Target to, Source from, Size size, const Operation& operation)
 {
+    constexpr int bytes = Operation::source_bytes;
     for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch) {
         std::uint8_t* target = to.start;
         const std::uint8_t* source = from.start;
@@ -249,12 +301,12 @@ KESTRIN_INLINE void ApplyToAll(Target to, Source from, Size size, const Operatio
         for (; left >= Large::pixels; left -= Large::pixels) {
             ApplyTo<Large>(target, source, operation);
             target += VectorBytes;
-            source += VectorBytes;
+            source += Large::pixels * bytes;
         }
         for (; left >= Small::pixels; left -= Small::pixels) {
             ApplyTo<Small>(target, source, operation);
             target += small_bytes;
-            source += small_bytes;
+            source += Small::pixels * bytes;
         }
         if (left > 0)
             ApplyToRest(target, source, left, operation);
@@ -296,6 +348,73 @@ void BlitKeyed(Target to, Source from, Size size, std::uint32_t key)
     ApplyToAll(to, from, size, Keyed{key});
 }
 
+void BlitCovered(Target to, Source from, Size size, std::uint32_t color)
+{
+    ApplyToAll(to, from, size, Covered{color});
+}
+
+void BlitCoveredFaded(Target to, Source from, Size size, std::uint32_t color, unsigned opacity)
+{
+    const auto factor = static_cast<std::uint16_t>(opacity);
+    ApplyToAll(to, from, size, CoveredFaded{color & 0xffffff, factor});
+}
+
+/** Rows from this many bytes on are the C library's. */
+constexpr int long_row = 512;
+
+/** Two pieces of a size that together cover all bytes, so that none is written one by one. */
+template <class Piece>
+KESTRIN_INLINE void CopyEnds(std::uint8_t* to, const std::uint8_t* from, int bytes)
+{
+    Piece first;
+    Piece last;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&last, from + bytes - sizeof last, sizeof last);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + bytes - sizeof last, &last, sizeof last);
+}
+
+KESTRIN_INLINE void CopyRow(std::uint8_t* to, const std::uint8_t* from, int bytes)
+{
+    if (bytes >= long_row) {
+        std::memcpy(to, from, static_cast<std::size_t>(bytes));
+    } else if (bytes >= small_bytes) {
+        int done = 0;
+        for (; done + VectorBytes <= bytes; done += VectorBytes)
+            Store<Large>(to + done, Load<Large>(from + done));
+        for (; done + small_bytes <= bytes; done += small_bytes)
+            Store<Small>(to + done, Load<Small>(from + done));
+        Store<Small>(to + bytes - small_bytes, Load<Small>(from + bytes - small_bytes));
+    } else if (bytes >= 8) {
+        CopyEnds<std::uint64_t>(to, from, bytes);
+    } else if (bytes >= 4) {
+        CopyEnds<std::uint32_t>(to, from, bytes);
+    } else {
+        for (int i = 0; i < bytes; ++i)
+            to[i] = from[i];
+    }
+}
+
+void Copy(Target to, Source from, Size size)
+{
+    for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch)
+        CopyRow(to.start, from.start, size.width);
+}
+
+/** Copies a row of the value, which is at most as long as rows that are not the C library's. */
+void FillBytes(Target to, Size size, std::uint8_t value)
+{
+    std::uint8_t row[long_row];
+    if (size.width < long_row)
+        std::memset(row, value, sizeof row);
+    for (int y = 0; y < size.height; ++y, to.start += to.pitch) {
+        if (size.width < long_row)
+            CopyRow(to.start, row, size.width);
+        else
+            std::memset(to.start, value, static_cast<std::size_t>(size.width));
+    }
+}
+
 template <class V>
 KESTRIN_INLINE void CopyUnlessKey(std::uint8_t* to, const std::uint8_t* from, std::uint8_t key)
 {
@@ -323,7 +442,8 @@ void BlitKeyedBytes(Target to, Source from, Size size, std::uint8_t key)
 
 } // namespace
 
-const Kernels KESTRIN_GFX_KERNELS = {FillAll,      FillAllOver, BlitOver,  BlitFaded,
-                                     BlitStraight, BlitUnder,   BlitKeyed, BlitKeyedBytes};
+const Kernels KESTRIN_GFX_KERNELS = {FillAll,   FillBytes,   FillAllOver,      Copy,
+                                     BlitOver,  BlitFaded,   BlitStraight,     BlitUnder,
+                                     BlitKeyed, BlitCovered, BlitCoveredFaded, BlitKeyedBytes};
 
 } // namespace kestrin_gfx

@@ -206,4 +206,60 @@ TEST(GfxChannels, FillWithStraightColourOverIndices)
         DriverDrawsTheSame([](Studio& studio) { FillIndicesAtEachOpacity(studio, DSPD_NONE); }));
 }
 
+/** Each coverage of each level of each channel, by several colours and their opacities. */
+void CoverAtEachLevel(Studio& studio, int flags)
+{
+    IDirectFBSurface* from = studio.Make(levels, levels, DSPF_A8);
+    studio.Write(from, [](int, int y) { return static_cast<std::uint32_t>(y); });
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        IDirectFBSurface* to = studio.Make(levels, levels, DSPF_ARGB);
+        studio.Write(to, Ramp);
+        to->SetBlittingFlags(to, static_cast<DFBSurfaceBlittingFlags>(flags));
+        to->SetPorterDuff(to, DSPD_NONE);
+        to->SetColor(to, Byte(colors[i]), Byte(colors[(i + 3) % colors.size()]),
+                     Byte(colors[(i + 7) % colors.size()]), Byte(colors[(i * 3) % colors.size()]));
+        to->Blit(to, from, nullptr, 0, 0);
+        studio.Show(to);
+    }
+}
+
+TEST(GfxChannels, Coverage)
+{
+    EXPECT_TRUE(DriverDrawsTheSame([](Studio& studio) {
+        CoverAtEachLevel(studio, DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_COLORIZE);
+    }));
+}
+
+TEST(GfxChannels, FadedCoverage)
+{
+    EXPECT_TRUE(DriverDrawsTheSame(
+        [](Studio& studio) { CoverAtEachLevel(studio, image | DSBLIT_COLORIZE); }));
+}
+
+/** Each index over each other one; twice, as results are kept, and with other circumstances. */
+TEST(GfxChannels, IndicesOverEachOther)
+{
+    EXPECT_TRUE(DriverDrawsTheSame([](Studio& studio) {
+        IDirectFBSurface* from = studio.Make(levels, levels, DSPF_LUT8);
+        IDirectFBSurface* to = studio.Make(levels, levels, DSPF_LUT8);
+        studio.SetColors(to, [](int i) { return Word(i * 5 % 256, i * 7 % 256, 255 - i, i); });
+        studio.Write(from, [](int, int y) { return static_cast<std::uint32_t>(y); });
+        to->SetPorterDuff(to, DSPD_SRC_OVER);
+        const auto blend = [&](int flags, u8 alpha) {
+            studio.Write(to, [](int x, int) { return static_cast<std::uint32_t>(x); });
+            to->SetBlittingFlags(to, static_cast<DFBSurfaceBlittingFlags>(flags));
+            to->SetColor(to, 0, 0, 0, alpha);
+            to->Blit(to, from, nullptr, 0, 0);
+            studio.Show(to);
+        };
+        for (const std::uint32_t factor : {0x03050709U, 0x01010101U}) {
+            studio.SetColors(from, [&](int i) { return static_cast<std::uint32_t>(i) * factor; });
+            for (const int flags : {static_cast<int>(DSBLIT_BLEND_ALPHACHANNEL), image, straight})
+                blend(flags, 200);
+            blend(image, 100);
+            blend(image, 100);
+        }
+    }));
+}
+
 } // namespace

@@ -194,14 +194,31 @@ TEST(GfxDriver, OtherFormatsAreDirectFBs)
     }));
 }
 
-TEST(GfxDriver, IndicesBlendedOverIndicesAreDirectFBs)
+TEST(GfxDriver, OtherBlendsAndFormatsOntoIndicesAreDirectFBs)
+{
+    EXPECT_TRUE(SameWithTheDriver([](Studio& studio) {
+        for (const auto format : {DSPF_LUT8, DSPF_ARGB, DSPF_A8}) {
+            IDirectFBSurface* to = studio.Make(side, side, DSPF_LUT8);
+            IDirectFBSurface* from = studio.Make(side, side, format);
+            studio.Write(to, Pattern);
+            studio.Write(from, [](int x, int y) { return Pattern(y, x); });
+            BlitWith(to, from, DSBLIT_BLEND_ALPHACHANNEL, DSPD_NONE);
+            BlitWith(to, from, DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_COLORIZE, DSPD_NONE);
+            BlitWith(to, from, DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_SRC_COLORKEY);
+            studio.Show(to);
+        }
+    }));
+}
+
+TEST(GfxDriver, AKeyBetweenPalettesIsDirectFBs)
 {
     EXPECT_TRUE(SameWithTheDriver([](Studio& studio) {
         IDirectFBSurface* to = studio.Make(side, side, DSPF_LUT8);
         IDirectFBSurface* from = studio.Make(side, side, DSPF_LUT8);
-        studio.Write(to, Pattern);
-        studio.Write(from, [](int x, int y) { return Pattern(y, x); });
-        BlitWith(to, from, DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_BLEND_COLORALPHA);
+        studio.SetColors(from, [](int i) { return static_cast<std::uint32_t>(i) * 0x03050709U; });
+        studio.Write(from, Pattern);
+        from->SetSrcColorKeyIndex(from, 7);
+        BlitWith(to, from, DSBLIT_SRC_COLORKEY);
         studio.Show(to);
     }));
 }

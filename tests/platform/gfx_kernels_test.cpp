@@ -234,6 +234,82 @@ TEST_P(GfxKernels, BlitKeyedBytes)
     }
 }
 
+TEST_P(GfxKernels, FillBytesAndCopy)
+{
+    ExpectDrawn([this](auto to, auto, auto size) { Set().fill_bytes(to, size, 0x9a); },
+                [](std::uint32_t, std::uint32_t) { return 0x9aU; }, 1);
+    ExpectDrawn([this](auto to, auto from, auto size) { Set().copy(to, from, size); },
+                [](std::uint32_t, std::uint32_t from) { return from; }, 1);
+}
+
+TEST_P(GfxKernels, LongRowsAreFilledAndCopied)
+{
+    for (const int width : {500, 511, 512, 513, 1000}) {
+        const auto size = static_cast<std::size_t>(width);
+        const GuardedBuffer from(size);
+        const GuardedBuffer to(size);
+        Set().fill_bytes({from.Data(), 0}, {width, 1}, 0x77);
+        Set().copy({to.Data(), 0}, {from.Data(), 0}, {width, 1});
+        EXPECT_EQ(std::count(to.Data(), to.Data() + size, 0x77), width);
+    }
+}
+
+/** Coverage is bytes beside pixels of four, so it has a buffer of its own. */
+void ExpectCovered(
+    const std::function<void(kestrin_gfx::Target, kestrin_gfx::Source, kestrin_gfx::Size)>& draw,
+    const std::function<std::uint32_t(std::uint32_t to, unsigned coverage)>& arithmetic)
+{
+    SeededRandom random;
+    for (int width = 0; width <= 70; ++width) {
+        const auto tight = width % 2 == 0 ? GuardedBuffer::AtEnd : GuardedBuffer::AtBegin;
+        const Rows to(width, 1, 0, 4, tight, random);
+        const Rows from(width, 1, 0, 1, tight, random);
+        for (int x = 0; x < width; x += 9)
+            from.Data()[x] = x % 2 == 0 ? 0xff : 0;
+        std::vector<std::uint8_t> expected = to.Bytes();
+        for (int x = 0; x < width; ++x) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, to.Data() + 4 * x, 4);
+            pixel = arithmetic(pixel, from.Data()[x]);
+            std::memcpy(expected.data() + 4 * x, &pixel, 4);
+        }
+        draw({to.Data(), 0}, {from.Data(), 0}, {width, 1});
+        EXPECT_TRUE(to.Bytes() == expected) << width;
+    }
+}
+
+TEST_P(GfxKernels, BlitCovered)
+{
+    constexpr std::uint32_t color = 0x80ff2001;
+    ExpectCovered(
+        [this](auto to, auto from, auto size) { Set().blit_covered(to, from, size, color); },
+        [](std::uint32_t to, unsigned coverage) {
+            return EachChannel([&](int i) {
+                const unsigned kept = Channel(to, i) * (256 - coverage);
+                return i == 3 ? kept / 256 + coverage
+                              : (kept + Channel(color, i) * (coverage + 1)) / 256;
+            });
+        });
+}
+
+TEST_P(GfxKernels, BlitCoveredFaded)
+{
+    constexpr std::uint32_t color = 0x80ff2001;
+    for (const unsigned opacity : {1U, 100U, 255U, 256U}) {
+        ExpectCovered([&](auto to, auto from,
+                          auto size) { Set().blit_covered_faded(to, from, size, color, opacity); },
+                      [&](std::uint32_t to, unsigned coverage) {
+                          const unsigned alpha = coverage * opacity / 256;
+                          return EachChannel([&](int i) {
+                              const unsigned added = i == 3 ? alpha : Channel(color, i);
+                              return std::min(added * (alpha + 1) / 256 +
+                                                  Channel(to, i) * (256 - alpha) / 256,
+                                              255U);
+                          });
+                      });
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Sets, GfxKernels, testing::ValuesIn(KernelSets()));
 
 TEST(GfxKernelSets, BestAreTheWidestThatTheProcessorHas)

@@ -205,6 +205,16 @@ INSTANTIATE_TEST_SUITE_P(Flags, GfxBlit,
                          testing::Values(DSBLIT_NOFX, DSBLIT_BLEND_ALPHACHANNEL, image, straight,
                                          DSBLIT_SRC_COLORKEY));
 
+TEST_P(GfxBlit, OfIndicesBetweenPalettes)
+{
+    // With a key DirectFB converts between palettes itself.
+    if (GetParam() == DSBLIT_SRC_COLORKEY)
+        return;
+    EXPECT_TRUE(DriverDrawsTheSame(Rounds(20, [](Studio& studio, Dice& dice) {
+        Blits(studio, dice, DSPF_LUT8, DSPF_LUT8, GetParam());
+    })));
+}
+
 TEST(GfxRectangles, BlitsOfIndicesUnderOnePalette)
 {
     EXPECT_TRUE(DriverDrawsTheSame(Rounds(80, [](Studio& studio, Dice& dice) {
@@ -227,11 +237,34 @@ TEST(GfxRectangles, BlitsOfIndicesUnderOnePalette)
     })));
 }
 
-TEST(GfxRectangles, BlitsOfIndicesBetweenPalettes)
+/** Coverage onto colours, as DirectFB draws characters. */
+Scene BlitsOfCoverage(int flags)
 {
-    EXPECT_TRUE(DriverDrawsTheSame(Rounds(40, [](Studio& studio, Dice& dice) {
-        Blits(studio, dice, DSPF_LUT8, DSPF_LUT8, DSBLIT_NOFX);
-    })));
+    return Rounds(150, [=](Studio& studio, Dice& dice) {
+        IDirectFBSurface* to = dice.Surface(DSPF_ARGB);
+        IDirectFBSurface* from = dice.Surface(DSPF_A8);
+        to->SetBlittingFlags(to, Flags(flags));
+        to->SetPorterDuff(to, DSPD_NONE);
+        for (int i = 0; i < 10; ++i) {
+            dice.Color(to);
+            dice.Clip(to);
+            const DFBRectangle area = dice.Rectangle();
+            to->Blit(to, from, &area, dice.Between(-most, 97), dice.Between(-most, 97));
+        }
+        studio.Show(to);
+        to->Release(to);
+        from->Release(from);
+    });
+}
+
+TEST(GfxRectangles, BlitsOfCoverage)
+{
+    EXPECT_TRUE(DriverDrawsTheSame(BlitsOfCoverage(DSBLIT_BLEND_ALPHACHANNEL | DSBLIT_COLORIZE)));
+}
+
+TEST(GfxRectangles, BlitsOfFadedCoverage)
+{
+    EXPECT_TRUE(DriverDrawsTheSame(BlitsOfCoverage(image | DSBLIT_COLORIZE)));
 }
 
 TEST(GfxRectangles, StretchesUnder)
