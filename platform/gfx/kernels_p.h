@@ -374,18 +374,10 @@ KESTRIN_INLINE void CopyEnds(std::uint8_t* to, const std::uint8_t* from, int byt
     std::memcpy(to + bytes - sizeof last, &last, sizeof last);
 }
 
-KESTRIN_INLINE void CopyRow(std::uint8_t* to, const std::uint8_t* from, int bytes)
+/** Fewer bytes than a small vector has. */
+KESTRIN_INLINE void CopyFew(std::uint8_t* to, const std::uint8_t* from, int bytes)
 {
-    if (bytes >= long_row) {
-        std::memcpy(to, from, static_cast<std::size_t>(bytes));
-    } else if (bytes >= small_bytes) {
-        int done = 0;
-        for (; done + VectorBytes <= bytes; done += VectorBytes)
-            Store<Large>(to + done, Load<Large>(from + done));
-        for (; done + small_bytes <= bytes; done += small_bytes)
-            Store<Small>(to + done, Load<Small>(from + done));
-        Store<Small>(to + bytes - small_bytes, Load<Small>(from + bytes - small_bytes));
-    } else if (bytes >= 8) {
+    if (bytes >= 8) {
         CopyEnds<std::uint64_t>(to, from, bytes);
     } else if (bytes >= 4) {
         CopyEnds<std::uint32_t>(to, from, bytes);
@@ -395,23 +387,50 @@ KESTRIN_INLINE void CopyRow(std::uint8_t* to, const std::uint8_t* from, int byte
     }
 }
 
-void Copy(Target to, Source from, Size size)
+/** Any number of bytes from a small vector on; the last ones may be written twice. */
+KESTRIN_INLINE void CopyMany(std::uint8_t* to, const std::uint8_t* from, int bytes)
 {
-    for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch)
-        CopyRow(to.start, from.start, size.width);
+    int done = 0;
+    for (; done + VectorBytes <= bytes; done += VectorBytes)
+        Store<Large>(to + done, Load<Large>(from + done));
+    for (; done + small_bytes <= bytes; done += small_bytes)
+        Store<Small>(to + done, Load<Small>(from + done));
+    if (done < bytes)
+        Store<Small>(to + bytes - small_bytes, Load<Small>(from + bytes - small_bytes));
 }
 
-/** Copies a row of the value, which is at most as long as rows that are not the C library's. */
+void Copy(Target to, Source from, Size size)
+{
+    const int bytes = size.width;
+    for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch) {
+        if (bytes >= long_row)
+            std::memcpy(to.start, from.start, static_cast<std::size_t>(bytes));
+        else if (bytes >= small_bytes)
+            CopyMany(to.start, from.start, bytes);
+        else
+            CopyFew(to.start, from.start, bytes);
+    }
+}
+
 void FillBytes(Target to, Size size, std::uint8_t value)
 {
-    std::uint8_t row[long_row];
-    if (size.width < long_row)
-        std::memset(row, value, sizeof row);
+    const int bytes = size.width;
+    const auto few = (Small::U32)(Small::U8{} + value);
+    const auto many = (Large::U32)(Large::U8{} + value);
     for (int y = 0; y < size.height; ++y, to.start += to.pitch) {
-        if (size.width < long_row)
-            CopyRow(to.start, row, size.width);
-        else
-            std::memset(to.start, value, static_cast<std::size_t>(size.width));
+        if (bytes >= long_row) {
+            std::memset(to.start, value, static_cast<std::size_t>(bytes));
+        } else if (bytes >= small_bytes) {
+            int done = 0;
+            for (; done + VectorBytes <= bytes; done += VectorBytes)
+                Store<Large>(to.start + done, many);
+            for (; done + small_bytes <= bytes; done += small_bytes)
+                Store<Small>(to.start + done, few);
+            if (done < bytes)
+                Store<Small>(to.start + bytes - small_bytes, few);
+        } else {
+            CopyFew(to.start, reinterpret_cast<const std::uint8_t*>(&few), bytes);
+        }
     }
 }
 
