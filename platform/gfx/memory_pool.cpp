@@ -38,11 +38,19 @@ DFBResult InitPool(CoreDFB*, CoreSurfacePool*, void*, void*, void*,
     return DFB_OK;
 }
 
-// Memory that a client brings stays where it is; the driver leaves such surfaces to DirectFB.
+/**
+ * Pixels never move here from elsewhere: they would go to and fro with every access. So surfaces in
+ * a client's memory or another pool's stay there, and DirectFB draws on them unless that pool lets
+ * the driver in. What a layer shows belongs to the system that shows it, at once.
+ */
 DFBResult TestConfig(CoreSurfacePool*, void*, void*, CoreSurfaceBuffer* buffer,
                      const CoreSurfaceConfig*)
 {
-    return (buffer->type & CSTF_PREALLOCATED) != 0 ? DFB_UNSUPPORTED : DFB_OK;
+    const bool elsewhere =
+        (buffer->type & CSTF_PREALLOCATED) != 0 || fusion_vector_size(&buffer->allocs) > 0;
+    const bool shown =
+        (buffer->surface->type & CSTF_LAYER) != 0 && buffer->policy != CSP_SYSTEMONLY;
+    return elsewhere || shown ? DFB_UNSUPPORTED : DFB_OK;
 }
 
 DFBResult AllocateBuffer(CoreSurfacePool*, void*, void*, CoreSurfaceBuffer* buffer,
