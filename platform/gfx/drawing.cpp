@@ -251,14 +251,15 @@ bool Drawing::Blit(const DFBRectangle& from, int x, int y) const
         if (_target_format == DSPF_LUT8 && !dfb_palette_equal(_target_palette, _source_palette))
             return false;
     }
-    if (_target_format == DSPF_LUT8 && _copy > Copy::Keyed && _pairs == nullptr)
+    const bool blends = _copy != Copy::Opaque && _copy != Copy::Keyed;
+    if (_target_format == DSPF_LUT8 && blends && _pairs == nullptr)
         return false;
 
     if (_target_format != DSPF_LUT8 && _source_format == DSPF_LUT8)
         BlitFromPalette(to, source, size);
     else if (_target_format != DSPF_LUT8)
         BlitPixels(to, source, size);
-    else if (_copy > Copy::Keyed)
+    else if (blends)
         BlendIndices(to, source, size);
     else
         BlitIndices(to, source, size);

@@ -8,9 +8,10 @@
 
 #include "directfb_driver.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <vector>
+#include <iterator>
 
 namespace kestrin_gfx {
 
@@ -42,15 +43,13 @@ public:
     /** Forgets everything if palettes or the kind of blending are others than last time. */
     void Use(const CorePalette& to, const CorePalette& from, unsigned kind)
     {
-        if (_results.empty())
-            _results.assign(std::size_t{palette_size} * palette_size, unknown);
-        else if (kind == _kind && Same(to, _to) && Same(from, _from))
+        if (_used && kind == _kind && Same(to, _to) && Same(from, _from))
             return;
-        else
-            _results.assign(_results.size(), unknown);
+        std::fill(std::begin(_results), std::end(_results), unknown);
         std::memcpy(_to, to.entries, sizeof _to);
         std::memcpy(_from, from.entries, sizeof _from);
         _kind = kind;
+        _used = true;
     }
 
     template <class Blend>
@@ -70,10 +69,11 @@ private:
         return std::memcmp(palette.entries, kept, sizeof kept) == 0;
     }
 
-    std::vector<std::uint16_t> _results;
+    bool _used = false;
+    unsigned _kind = 0;
     DFBColor _to[palette_size];
     DFBColor _from[palette_size];
-    unsigned _kind = 0;
+    std::uint16_t _results[palette_size * palette_size]; // memory is touched with the first use
 };
 
 } // namespace kestrin_gfx
