@@ -53,10 +53,14 @@ std::string ScreenFileArguments(const std::string& screen_file, int width, int h
     // Layer 1 is set up at once: clients that release it and take it again then always find it
     // configured. DirectFB's own signal handlers, leak report and optimised copying stay out of the
     // way of debuggers, sanitizers and clients' own handlers.
-    return "system=kestrin_screen,module-dir=" + modules + ",fbdev=" + screen_file +
-           ",mode=" + std::to_string(width) + "x" + std::to_string(height) +
-           ",init-layer=1,no-banner,quiet=info,quiet=unimplemented,no-deinit-check,no-sighandler,"
-           "no-cursor,memcpy=libc";
+    std::string arguments =
+        "system=kestrin_screen,module-dir=" + modules + ",fbdev=" + screen_file +
+        ",mode=" + std::to_string(width) + "x" + std::to_string(height) +
+        ",init-layer=1,no-banner,quiet=info,quiet=unimplemented,no-deinit-check,no-sighandler,"
+        "no-cursor,memcpy=libc";
+    if (const char* options = std::getenv("KESTRIN_DISPLAY_OPTIONS"); options && *options != '\0')
+        arguments += std::string(",") + options;
+    return arguments;
 }
 
 std::string FindModuleDirectory()

@@ -37,6 +37,9 @@ SetupResult UseScreenFile(const std::string& screen_file, int width, int height)
 /**
  * The value UseScreenFile gives DFBARGS, for programs that are started with it. Throws likewise,
  * but does not look at the screen file's directory.
+ *
+ * It ends with the options in the environment variable KESTRIN_DISPLAY_OPTIONS, separated by commas
+ * as DirectFB takes them: `no-hardware` leaves all drawing to DirectFB's own software renderer.
  */
 std::string ScreenFileArguments(const std::string& screen_file, int width, int height);
 

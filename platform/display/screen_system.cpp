@@ -65,8 +65,9 @@ const ScreenFuncs screen_functions = MakeScreenFunctions();
 void GetSystemInfo(CoreSystemInfo* info)
 {
     info->type = CORE_ANY;
-    // Surfaces that insist on video memory but belong to no layer get ordinary memory.
-    info->caps = CSCAPS_SYSMEM_EXTERNAL;
+    // Surfaces that insist on video memory but belong to no layer get ordinary memory, and a
+    // graphics driver may draw on all of them.
+    info->caps = static_cast<CoreSystemCapabilities>(CSCAPS_SYSMEM_EXTERNAL | CSCAPS_ACCELERATION);
     std::snprintf(info->name, DFB_CORE_SYSTEM_INFO_NAME_LENGTH, "Screen file");
     std::snprintf(info->vendor, DFB_CORE_SYSTEM_INFO_VENDOR_LENGTH, "Kestrin");
     std::snprintf(info->license, DFB_CORE_SYSTEM_INFO_LICENSE_LENGTH, "MIT");

@@ -309,6 +309,17 @@ TEST(UseScreenFile, SetsDirectFBsArguments)
     EXPECT_THAT(arguments, HasSubstr(",fbdev=/tmp/a-screen,mode=720x576,"));
 }
 
+TEST(UseScreenFile, EndsWithOptionsOfTheEnvironment)
+{
+    unsetenv("KESTRIN_DISPLAY_OPTIONS");
+    const std::string arguments = kestrin_display::ScreenFileArguments("/tmp/a-screen", 720, 576);
+    setenv("KESTRIN_DISPLAY_OPTIONS", "no-hardware,debug", 1);
+    EXPECT_EQ(kestrin_display::ScreenFileArguments("/tmp/a-screen", 720, 576),
+              arguments + ",no-hardware,debug");
+    setenv("KESTRIN_DISPLAY_OPTIONS", "", 1);
+    EXPECT_EQ(kestrin_display::ScreenFileArguments("/tmp/a-screen", 720, 576), arguments);
+}
+
 TEST(UseScreenFile, LeavesTheUsersArgumentsAlone)
 {
     setenv("DFBARGS", "system=x11", 1);
