@@ -95,7 +95,7 @@ void Touch(IText* text)
 } // namespace
 
 /** What a formatter keeps. */
-class FlowFormatter::Parts
+class FlowParts
 {
 public:
     /** What the client has set for a widget, or for all. */
@@ -107,7 +107,7 @@ public:
     };
     using Placement = std::shared_ptr<const FlowPlacement>;
 
-    explicit Parts(ColorMode mode) : indexed(mode == Color8Bit)
+    explicit FlowParts(ColorMode mode) : indexed(mode == Color8Bit)
     {
         _common.style = FlowStyle();
         _common.colors = FlowColors();
@@ -147,8 +147,7 @@ private:
 };
 
 /** The layout of a text for a widget, made now or earlier; null when nothing can be laid out. */
-FlowFormatter::Parts::Placement FlowFormatter::Parts::Place(IText* text, PtrConstWChar units,
-                                                            UInt32 length)
+FlowParts::Placement FlowParts::Place(IText* text, PtrConstWChar units, UInt32 length)
 {
     const FlowStyle& style = Get(text, &Settings::style);
     const Sizes sizes = SizesOf(text, style);
@@ -178,7 +177,7 @@ FlowFormatter::Parts::Placement FlowFormatter::Parts::Place(IText* text, PtrCons
     return _layouts.front();
 }
 
-void FlowFormatter::Parts::Keep(const Placement& placement)
+void FlowParts::Keep(const Placement& placement)
 {
     _layouts.push_front(placement);
     _kept_units += placement->text->source.units.size();
@@ -191,7 +190,7 @@ void FlowFormatter::Parts::Keep(const Placement& placement)
 
 // ---- The formatter ----------------------------------------------------------------------------
 
-FlowFormatter::FlowFormatter(ColorMode display_mode) : _parts(new Parts(display_mode)) {}
+FlowFormatter::FlowFormatter(ColorMode display_mode) : _parts(new FlowParts(display_mode)) {}
 
 FlowFormatter::~FlowFormatter() = default;
 
@@ -258,8 +257,8 @@ void FlowFormatter::Clear()
 
 void FlowFormatter::Format(IText* text, PtrWChar units, UInt32 length)
 {
-    const FlowStyle& style = _parts->Get(text, &Parts::Settings::style);
-    const Parts::Placement placement = _parts->Place(text, units, length);
+    const FlowStyle& style = _parts->Get(text, &FlowParts::Settings::style);
+    const FlowParts::Placement placement = _parts->Place(text, units, length);
     if (style.reference_sizes) {
         const Sizes sizes = SizesOf(text, style);
         if (sizes.font != Attribute16(text, AttrFontSize))
@@ -268,11 +267,11 @@ void FlowFormatter::Format(IText* text, PtrWChar units, UInt32 length)
             text->SetAttribute(AttrLineHeight, sizes.line);
     }
     if (placement)
-        FlowDrawing(text, *placement, style, _parts->Get(text, &Parts::Settings::colors),
+        FlowDrawing(text, *placement, style, _parts->Get(text, &FlowParts::Settings::colors),
                     _parts->indexed)
             .Draw();
     // Last, since it may change the settings.
-    if (IFlowLineHandler* handler = _parts->Get(text, &Parts::Settings::handler)) {
+    if (IFlowLineHandler* handler = _parts->Get(text, &FlowParts::Settings::handler)) {
         const UInt32 count = placement ? static_cast<UInt32>(placement->rows.size()) : 0;
         for (UInt32 i = 0; i < count; ++i)
             handler->HandleLine(text, i, count, placement->LineOf(i));

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -17,6 +18,9 @@ constexpr std::int64_t kFar = 1 << 24;
 constexpr WChar kEllipsis = 0x2026;
 const char16_t* const kDots = u"...";
 const char16_t* const kHyphen = u"-";
+
+/** What stays on a line without regard to the room there is. */
+constexpr UInt16 kHanging = FlowCharacter::Continues | FlowCharacter::Blank;
 
 Int32 Near(std::int64_t position)
 {
@@ -41,8 +45,10 @@ bool FlowBox::operator==(const FlowBox& other) const
 }
 
 FlowPlacement::FlowPlacement(std::shared_ptr<const FlowText> laid_text, const FlowBox& in_box)
-    : text(std::move(laid_text)), box(in_box), cut(text->source.cut), _slots(text->Count())
+    : text(std::move(laid_text)), box(in_box), cut(text->source.cut), _em(0), _slots(text->Count())
 {
+    const std::int64_t stretched = std::int64_t{text->source.size} * box.molecule;
+    _em = box.denominator ? Near(stretched / box.denominator) : 0;
     BreakText();
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].top = Near(TopOf(rows.size()) + static_cast<std::int64_t>(i) * box.line_height);
@@ -53,15 +59,12 @@ FlowPlacement::FlowPlacement(std::shared_ptr<const FlowText> laid_text, const Fl
 Int32 FlowPlacement::ToPixels(std::int64_t pen) const
 {
     constexpr std::int64_t most = std::numeric_limits<Int32>::max();
-    const auto value = static_cast<Int32>(std::clamp(pen, -most, most));
-    IFont* const font = text->source.font;
-    if (value < 0)
-        return Near(font->NoScaleFontUnitsToPixelsInDrawText(
-            value, static_cast<Int32>(box.molecule), static_cast<Int32>(box.denominator)));
-    const Int32 pixels =
-        font->NoScaleFontUnitsToPixelsInCalculate(value, box.molecule, box.denominator);
+    const auto value = static_cast<Int32>(std::min(std::abs(pen), most));
+    const Int32 pixels = text->source.font->NoScaleFontUnitsToPixelsInCalculate(value, box.molecule,
+                                                                                box.denominator);
     // Beyond 31 bits the font's answer is unsigned.
-    return pixels < 0 ? static_cast<Int32>(kFar) : Near(pixels);
+    const Int32 near = pixels < 0 ? static_cast<Int32>(kFar) : Near(pixels);
+    return pen < 0 ? -near : near;
 }
 
 Int32 FlowPlacement::ToPixels(std::int64_t pen, std::int64_t gap_count) const
@@ -79,6 +82,25 @@ Int32 FlowPlacement::Width(UInt32 begin, UInt32 end) const
         return 0;
     return ToPixels(text->pens[end - 1] + text->characters[end - 1].advance - text->pens[begin],
                     std::int64_t{text->gaps[end]} - text->gaps[begin + 1]);
+}
+
+/**
+ * Whether begin <= i < end is too wide for a line: the engine leaves a glyph out whose picture
+ * reaches over the right edge, so that counts, too.
+ */
+bool FlowPlacement::Exceeds(UInt32 begin, UInt32 end, Int32 width) const
+{
+    const Int32 needed = Width(begin, end);
+    end = text->Trim(begin, end);
+    if (needed > width || begin == end)
+        return needed > width;
+    // Only near the edge is it worth to look at the picture.
+    if (needed + _em / 2 <= width)
+        return false;
+    const UInt32 rightmost = text->IsReversed(end - 1) ? begin : end - 1;
+    const FlowCharacter& character = text->characters[rightmost];
+    const FlowItem item = {rightmost, 0, character.glyph, false};
+    return needed + std::max(0, InkOf(item).right - ToPixels(character.advance)) > width;
 }
 
 Int32 FlowPlacement::WidthOf(const std::u16string& added) const
@@ -161,14 +183,14 @@ UInt32 FlowPlacement::EndOfRow(UInt32 begin, UInt32 end, Int32 width, bool* is_c
     for (UInt32 i = begin; i < end; ++i) {
         const FlowCharacter& character = text->characters[i];
         const bool drawn = character.glyph != 0 && !character.Is(FlowCharacter::Blank);
-        if (drawn && Width(begin, i + 1) > width) {
+        if (drawn && Exceeds(begin, i + 1, width)) {
             *is_cut = allowed == begin;
             if (!*is_cut)
                 return allowed;
             if (possible > begin)
                 return possible;
             // Not even one character fits: it is shown all the same, with what belongs to it.
-            for (++i; i < end && text->characters[i].Is(FlowCharacter::Continues);)
+            for (++i; i < end && (text->characters[i].flags & kHanging) != 0;)
                 ++i;
             return i;
         }
@@ -204,7 +226,7 @@ FlowPlacement::Broken FlowPlacement::Balance(UInt32 begin, UInt32 end, Broken be
 void FlowPlacement::AddRow(const Range& range)
 {
     if ((box.format & TextEndEllipsis) && !(box.format & TextWrap) &&
-        Width(range.begin, range.end) > Room()) {
+        Exceeds(range.begin, range.end, Room())) {
         EndInEllipsis(range.begin, range.end);
         cut = true;
         return;

@@ -99,6 +99,7 @@ private:
     Int32 ToPixels(std::int64_t pen) const;
     Int32 ToPixels(std::int64_t pen, std::int64_t gap_count) const;
     Int32 Width(UInt32 begin, UInt32 end) const;
+    bool Exceeds(UInt32 begin, UInt32 end, Int32 width) const;
     Int32 Advance(WChar glyph) const;
     Int32 Room() const { return box.width - box.left - box.right; }
 
@@ -124,6 +125,7 @@ private:
 
     FlowRect EndRect() const;
 
+    Int32 _em; /**< width of the font's square, in pixels */
     std::vector<Slot> _slots;
 };
 

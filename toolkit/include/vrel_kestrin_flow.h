@@ -52,6 +52,7 @@
 
 namespace zelxxx {
 
+class FlowParts;
 class FlowPlacement;
 
 /** No character: what FlowLayout::GetCharacterAt gives beside the text. */
@@ -128,8 +129,8 @@ struct FlowStyle
     bool korean_words; /**< no breaks inside Korean words, as Unicode leaves to the writer */
     /**
      * Sizes come from AttrOrgFontSize and AttrOrgLineHeight, which are meant for a box of
-     * AttrOrgSpanX x AttrOrgSpanY: they are scaled as much as the span differs from it, by the
-     * direction in which it differs less up or more down. What comes out is stored in the widget's
+     * AttrOrgSpanX x AttrOrgSpanY: they are scaled as the span is to that box, by the smaller of
+     * the two ratios, and rounded to the nearest. What comes out is stored in the widget's
      * AttrFontSize and AttrLineHeight when it is formatted. A reference span of 0 has no effect.
      */
     bool reference_sizes;
@@ -232,8 +233,7 @@ public:
                        PtrSChar buffer) override;
 
 private:
-    class Parts;
-    std::unique_ptr<Parts> _parts;
+    std::unique_ptr<FlowParts> _parts;
 };
 
 } // namespace zelxxx
