@@ -37,7 +37,8 @@ bool HasWideMark(const std::string& content)
 
 bool IsBlank(const StyledLine& line)
 {
-    return line.text.find_first_not_of(u" \u00A0\u3000") == std::u16string::npos;
+    return line.text.find_first_not_of(u" \u00A0\u3000\u00AD\u200B\u200C\u200D\u200E\u200F") ==
+           std::u16string::npos;
 }
 
 /** False if a line is no text in the encoding, or none shows anything; the report knows why. */
