@@ -58,7 +58,7 @@ std::string SizeProblem(std::size_t width, std::size_t height, std::size_t frame
 /** Makes room for a picture of acceptable size. */
 std::string Prepare(PictureFile* picture)
 {
-    const std::string problem = SizeProblem(picture->width, picture->height, picture->frames);
+    std::string problem = SizeProblem(picture->width, picture->height, picture->frames);
     if (!problem.empty())
         return problem;
     picture->pixels = Allocate(picture->FramePixels() * picture->frames *

@@ -4,6 +4,7 @@
 #include "image.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace zelxxx {
@@ -21,6 +22,8 @@ namespace {
 
 constexpr UInt32 kMostOffsetHigh = 0x1000002;
 constexpr UInt32 kEndOffset = 0xffffffff;
+/** Literals that one byte of bits announces. */
+constexpr std::size_t kGroup = 8;
 /** Copies from further back are worth their code only when they are a byte longer. */
 constexpr UInt32 kFarOffset = 0xd00;
 
@@ -51,6 +54,22 @@ public:
         return bit;
     }
 
+    /**
+     * Whether the next eight bits are ones, all in the next byte, with as many bytes behind it:
+     * pictures that do not compress consist of such groups.
+     */
+    bool AtEightLiterals() const
+    {
+        return (_buffer & 0x7f) == 0 && _read < _size && _data[_read] == 0xff &&
+               _size - _read > kGroup;
+    }
+    /** These bytes, of which there are kGroup. */
+    const UInt8* EightLiterals()
+    {
+        _read += 1 + kGroup;
+        return _data + (_read - kGroup);
+    }
+
 private:
     const UInt8* _data;
     std::size_t _size;
@@ -67,6 +86,11 @@ public:
     std::size_t Room() const { return _room; }
     std::size_t Written() const { return _written; }
     void Literal(UInt8 byte) { _data[_written++] = byte; }
+    void EightLiterals(const UInt8* bytes)
+    {
+        std::memcpy(_data + _written, bytes, kGroup);
+        _written += kGroup;
+    }
 
     /**
      * Repeats bytes from `offset` back, which may overlap what is written. The last one may lie a
@@ -75,18 +99,59 @@ public:
     void Repeat(std::size_t offset, std::size_t length)
     {
         UInt8* to = _data + _written;
-        const UInt8* from = to - offset;
         const std::size_t stored = std::min(length, _room - _written);
-        if (offset == 1) {
-            std::memset(to, *from, stored);
-        } else {
-            for (std::size_t i = 0; i < stored; ++i)
-                to[i] = from[i];
-        }
+        if (stored > offset)
+            RepeatPattern(to, offset, stored);
+        else if (stored > 2 * sizeof(std::uint64_t))
+            std::memcpy(to, to - offset, stored);
+        else
+            CopyFew(to, to - offset, stored);
         _written += length;
     }
 
 private:
+    /** Copies two words that meet or overlap: from one word's size to twice that. */
+    template <class Word>
+    static void CopyTwo(UInt8* to, const UInt8* from, std::size_t count)
+    {
+        Word first;
+        Word last;
+        std::memcpy(&first, from, sizeof first);
+        std::memcpy(&last, from + count - sizeof last, sizeof last);
+        std::memcpy(to, &first, sizeof first);
+        std::memcpy(to + count - sizeof last, &last, sizeof last);
+    }
+
+    /** Most copies are short: a call would cost more than they do. At most 16, without overlap. */
+    static void CopyFew(UInt8* to, const UInt8* from, std::size_t count)
+    {
+        if (count >= sizeof(std::uint64_t)) {
+            CopyTwo<std::uint64_t>(to, from, count);
+        } else if (count >= sizeof(std::uint32_t)) {
+            CopyTwo<std::uint32_t>(to, from, count);
+        } else {
+            // Two or three, and one where the room ends.
+            to[0] = from[0];
+            to[count / 2] = from[count / 2];
+            to[count - 1] = from[count - 1];
+        }
+    }
+
+    /** Continues the last `offset` bytes; each pass doubles what the next can take. */
+    static void RepeatPattern(UInt8* to, std::size_t offset, std::size_t count)
+    {
+        if (offset == 1) {
+            std::memset(to, to[-1], count);
+            return;
+        }
+        const UInt8* from = to - offset;
+        for (std::size_t done = 0; done < count;) {
+            const std::size_t part = std::min(offset + done, count - done);
+            std::memcpy(to + done, from, part);
+            done += part;
+        }
+    }
+
     UInt8* _data;
     std::size_t _room;
     std::size_t _written = 0;
@@ -101,6 +166,7 @@ public:
     std::size_t Room() const { return _room; }
     std::size_t Written() const { return _written; }
     void Literal(UInt8) { ++_written; }
+    void EightLiterals(const UInt8*) { _written += kGroup; }
     void Repeat(std::size_t, std::size_t length) { _written += length; }
 
 private:
@@ -145,7 +211,12 @@ bool Run(BitReader in, Output& out)
 {
     UInt32 last_offset = 1;
     for (;;) {
-        while (in.Bit()) {
+        for (;;) {
+            // A copy may have counted one byte more than there is room.
+            while (in.AtEightLiterals() && out.Written() + kGroup <= out.Room())
+                out.EightLiterals(in.EightLiterals());
+            if (!in.Bit())
+                break;
             if (in.AtEnd() || out.Written() >= out.Room())
                 return false;
             out.Literal(in.Byte());

@@ -6,6 +6,7 @@
 #include "DFB/image_decode_p.h"
 
 #include "guarded_buffer.h"
+#include "nrv2b_samples.h"
 #include "nrv2b_stream.h"
 #include "seeded_random.h"
 
@@ -15,10 +16,14 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <ucl/ucl.h>
 
+using kestrin_test::Compressed;
 using kestrin_test::GuardedBuffer;
+using kestrin_test::kSampleKinds;
+using kestrin_test::MakeLogo;
+using kestrin_test::MakeText;
 using kestrin_test::Nrv2bStream;
+using kestrin_test::SampleKind;
 using kestrin_test::SeededRandom;
 using zelxxx::CountDecoded;
 using zelxxx::Image;
@@ -195,6 +200,42 @@ TEST(ImageDecode, LiteralWithoutRoomFails)
     EXPECT_FALSE(Decoded(Nrv2bStream().Literals("a").End().Bytes(), 0));
 }
 
+TEST(ImageDecode, LiteralsComeBackWhereverTheBuffersEnd)
+{
+    const std::string text = "abcdefghijklmnopqrstuvwxyz0123456789";
+    for (std::size_t before = 0; before < 9; ++before) {
+        for (std::size_t count = 0; count <= text.size(); ++count) {
+            Nrv2bStream stream;
+            stream.Literals(std::string(before + 2, 'x'))
+                .Copy(1, 2)
+                .Literals(text.substr(0, count));
+            const std::string whole = stream.End().Bytes();
+            const std::size_t room = before + 4 + count;
+            const std::string all = std::string(before + 4, 'x') + text.substr(0, count);
+            for (const GuardedBuffer::Side side : {GuardedBuffer::AtEnd, GuardedBuffer::AtBegin})
+                EXPECT_EQ(Decoded(whole, room, side), all);
+            EXPECT_EQ(Decoded(whole, room - 1).has_value(), count == 0);
+            for (std::size_t length = 0; length < whole.size(); ++length)
+                ExpectAsByTheRules(whole.substr(0, length), room, GuardedBuffer::AtEnd);
+        }
+    }
+}
+
+TEST(ImageDecode, CopiesOfEveryLengthAndOffsetComeBack)
+{
+    const std::string text = "abcdefghijklmnopqrstuvwxyz0123456789";
+    for (std::size_t offset = 1; offset <= text.size(); ++offset) {
+        for (std::size_t length = 2; length < 80; ++length) {
+            std::string all = text;
+            for (std::size_t i = 0; i < length; ++i)
+                all.push_back(all[all.size() - offset]);
+            const std::string stream =
+                Nrv2bStream().Literals(text).Copy(offset, length).End().Bytes();
+            EXPECT_EQ(Decoded(stream, all.size()), all) << offset << ' ' << length;
+        }
+    }
+}
+
 TEST(ImageDecode, CopyMayPassTheRoomByOneByteThatIsNotStored)
 {
     const std::string stream = Nrv2bStream().Literal('a').Copy(1, 5).End().Bytes();
@@ -257,74 +298,6 @@ TEST(ImageDecode, EveryTruncationOfAHandWrittenStreamFails)
 
 // ---- What UCL compresses
 
-std::string Compressed(const std::string& pixels, int level)
-{
-    static const bool initialized = ucl_init() == UCL_E_OK;
-    EXPECT_TRUE(initialized);
-    std::string stream(pixels.size() + pixels.size() / 8 + 256, '\0');
-    ucl_uint length = 0;
-    const int result = ucl_nrv2b_99_compress(
-        reinterpret_cast<const ucl_byte*>(pixels.data()), static_cast<ucl_uint>(pixels.size()),
-        reinterpret_cast<ucl_byte*>(stream.data()), &length, nullptr, level, nullptr, nullptr);
-    EXPECT_EQ(result, UCL_E_OK);
-    stream.resize(length);
-    return stream;
-}
-
-/** Pictures of one kind. */
-struct Kind
-{
-    const char* name;
-    std::string (*make)(std::size_t size, SeededRandom& random);
-};
-
-std::string Flat(std::size_t size, SeededRandom&)
-{
-    return std::string(size, '\x21');
-}
-
-std::string TextLike(std::size_t size, SeededRandom& random)
-{
-    static const char* const words[] = {"the ", "news ", "weather ", "at ", "nine ", "\n"};
-    std::string text;
-    while (text.size() < size)
-        text += words[random.Between(0, 5)];
-    text.resize(size);
-    return text;
-}
-
-std::string Noisy(std::size_t size, SeededRandom& random)
-{
-    std::string noise(size, '\0');
-    for (char& byte : noise)
-        byte = static_cast<char>(random.Between(0, 255));
-    return noise;
-}
-
-std::string NearlyEmpty(std::size_t size, SeededRandom& random)
-{
-    std::string pixels(size, '\0');
-    for (std::size_t i = 0; i < size / 500 + 1 && size > 0; ++i)
-        pixels[static_cast<std::size_t>(random.Between(0, static_cast<int>(size) - 1))] = '\x07';
-    return pixels;
-}
-
-/** Rows that resemble one another at a distance, as logos do. */
-std::string Logo(std::size_t size, SeededRandom& random)
-{
-    std::string pixels(size, '\0');
-    const std::string row = Noisy(1500, random);
-    for (std::size_t i = 0; i < size; ++i)
-        pixels[i] = i / 1500 % 3 == 2 ? static_cast<char>(i) : row[i % 1500];
-    return pixels;
-}
-
-const Kind kKinds[] = {{"Flat", Flat},
-                       {"TextLike", TextLike},
-                       {"Noisy", Noisy},
-                       {"NearlyEmpty", NearlyEmpty},
-                       {"Logo", Logo}};
-
 class ImageDecodeLevel : public testing::TestWithParam<int>
 {
 };
@@ -332,9 +305,9 @@ class ImageDecodeLevel : public testing::TestWithParam<int>
 TEST_P(ImageDecodeLevel, EveryPictureComesBack)
 {
     SeededRandom random;
-    for (const Kind& kind : kKinds) {
+    for (const SampleKind& kind : kSampleKinds) {
         for (std::size_t size : {1, 2, 3, 7, 64, 1000, 3327, 3329, 6000, 40000}) {
-            const std::string pixels = kind.make(size, random);
+            const std::string pixels = kind.make(size, random.Engine());
             const std::string stream = Compressed(pixels, GetParam());
             EXPECT_TRUE(Decoded(stream, size) == pixels) << kind.name << ' ' << size;
             EXPECT_TRUE(Decoded(stream, size, GuardedBuffer::AtBegin) == pixels)
@@ -346,7 +319,8 @@ TEST_P(ImageDecodeLevel, EveryPictureComesBack)
 TEST_P(ImageDecodeLevel, LargePictureComesBack)
 {
     SeededRandom random;
-    const std::string pixels = Logo(300000, random) + TextLike(300000, random);
+    const std::string pixels =
+        MakeLogo(300000, random.Engine()) + MakeText(300000, random.Engine());
     EXPECT_TRUE(Decoded(Compressed(pixels, GetParam()), pixels.size()) == pixels);
 }
 
@@ -355,8 +329,8 @@ INSTANTIATE_TEST_SUITE_P(Levels, ImageDecodeLevel, testing::Range(1, 11));
 TEST(ImageDecode, EveryTruncationOfASmallStreamFails)
 {
     SeededRandom random;
-    for (const Kind& kind : kKinds) {
-        const std::string pixels = kind.make(400, random);
+    for (const SampleKind& kind : kSampleKinds) {
+        const std::string pixels = kind.make(400, random.Engine());
         const std::string stream = Compressed(pixels, 7);
         for (std::size_t length = 0; length < stream.size(); ++length) {
             EXPECT_FALSE(Decoded(stream.substr(0, length), pixels.size()))
@@ -369,8 +343,8 @@ TEST(ImageDecode, EveryTruncationOfASmallStreamFails)
 TEST(ImageDecode, EveryRoomIsKept)
 {
     SeededRandom random;
-    for (const Kind& kind : kKinds) {
-        const std::string stream = Compressed(kind.make(300, random), 7);
+    for (const SampleKind& kind : kSampleKinds) {
+        const std::string stream = Compressed(kind.make(300, random.Engine()), 7);
         for (std::size_t room = 0; room < 310; ++room)
             ExpectAsByTheRules(stream, room, GuardedBuffer::AtEnd);
     }
@@ -404,9 +378,9 @@ TEST(ImageDecode, CorruptedStreamsStayInTheirBuffersAndFollowTheRules)
 {
     SeededRandom random;
     std::vector<std::string> streams;
-    for (const Kind& kind : kKinds) {
+    for (const SampleKind& kind : kSampleKinds) {
         for (std::size_t size : {40, 400, 4000})
-            streams.push_back(Compressed(kind.make(size, random), 5));
+            streams.push_back(Compressed(kind.make(size, random.Engine()), 5));
     }
     const int rounds = SeededRandom::Rounds(20000);
     for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
@@ -418,6 +392,34 @@ TEST(ImageDecode, CorruptedStreamsStayInTheirBuffersAndFollowTheRules)
                            room - static_cast<std::size_t>(random.Between(0, 2)),
                            random.Chance(50) ? GuardedBuffer::AtEnd : GuardedBuffer::AtBegin);
     }
+}
+
+// ---- For programs that want the pixels
+
+TEST(ImageData, IsCountedBeforeRoomIsMadeAndThenUnpacked)
+{
+    const std::string stream = Nrv2bStream().Literals("abc").Copy(2, 5).End().Bytes();
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), nullptr, 1000), 8U);
+    const GuardedBuffer out(8);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), out.Data(), 8), 8U);
+    EXPECT_EQ(std::string(out.Data(), out.Data() + 8), "abcbcbcb");
+}
+
+TEST(ImageData, OfADamagedOrTooLongStreamIsNone)
+{
+    const std::string stream = Nrv2bStream().Literals("abcd").End().Bytes();
+    const GuardedBuffer out(2);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), out.Data(), 2), 0U);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size() - 1, nullptr, 9), 0U);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(nullptr, 0, nullptr, 9), 0U);
+}
+
+TEST(ImageData, ByteBeyondTheRoomIsNotCounted)
+{
+    const std::string stream = Nrv2bStream().Literal('a').Copy(1, 5).End().Bytes();
+    const GuardedBuffer out(5);
+    EXPECT_EQ(zelxxx::zelDecodeImageData(stream.data(), stream.size(), out.Data(), 5), 5U);
+    EXPECT_EQ(std::string(out.Data(), out.Data() + 5), "aaaaa");
 }
 
 } // namespace
