@@ -130,6 +130,7 @@ public:
     void Clear()
     {
         _layouts.clear();
+        _meter.Clear();
         _kept_units = 0;
     }
 
@@ -142,6 +143,7 @@ private:
     Settings _common;
     std::map<IText*, Settings> _own;
     FlowBreaker _breaker;
+    FlowMeter _meter;
     std::list<Placement> _layouts; /**< the one used last first */
     std::size_t _kept_units = 0;
 };
@@ -172,7 +174,7 @@ FlowParts::Placement FlowParts::Place(IText* text, PtrConstWChar units, UInt32 l
         same_text = (*at)->text;
     }
     if (!same_text)
-        same_text = std::make_shared<FlowText>(source, _breaker);
+        same_text = std::make_shared<FlowText>(source, _breaker, _meter);
     Keep(std::make_shared<FlowPlacement>(same_text, box));
     return _layouts.front();
 }

@@ -106,12 +106,13 @@ bool FlowSource::operator==(const FlowSource& other) const
            korean_words == other.korean_words && cut == other.cut && units == other.units;
 }
 
-FlowText::FlowText(FlowSource text_source, FlowBreaker& breaker) : source(std::move(text_source))
+FlowText::FlowText(FlowSource text_source, FlowBreaker& breaker, FlowMeter& meter)
+    : source(std::move(text_source))
 {
     const std::vector<UInt32> codes = Decode();
     TakeBoundaries(breaker, codes);
     Shape(codes);
-    Measure();
+    Measure(meter);
 }
 
 bool FlowText::HasGlyph(IFont* font, UInt16 size, WChar character)
@@ -237,7 +238,7 @@ bool FlowText::AreNeighbours(UInt32 first) const
            (first + 2 == Count() || !characters[first + 2].Is(FlowCharacter::Continues));
 }
 
-void FlowText::Measure()
+void FlowText::Measure(FlowMeter& meter)
 {
     IFont* const font = source.font;
     pens.assign(1, 0);
@@ -245,13 +246,12 @@ void FlowText::Measure()
     for (UInt32 i = 0; i < Count(); ++i) {
         FlowCharacter& character = characters[i];
         if (character.glyph != 0)
-            character.advance =
-                font->GetFTNoScaleCharMetricsX(character.glyph, source.size, FontRegular);
+            character.advance = meter.Advance(font, source.size, character.glyph);
         if (i + 1 < Count() && AreNeighbours(i)) {
             const UInt32 left = IsReversed(i) ? i + 1 : i;
             const UInt32 right = IsReversed(i) ? i : i + 1;
-            character.kerning = font->GetFTKerning(characters[left].glyph, characters[right].glyph,
-                                                   source.size, FontRegular);
+            character.kerning =
+                meter.Kerning(font, source.size, characters[left].glyph, characters[right].glyph);
         }
         pens.push_back(pens.back() + character.advance + character.kerning);
         gaps.push_back(gaps.back() + (character.Is(FlowCharacter::GapBefore) ? 1 : 0));

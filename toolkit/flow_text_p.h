@@ -2,6 +2,7 @@
 #pragma once
 
 #include "flow_breaks_p.h"
+#include "flow_meter_p.h"
 #include "vrel_kestrin_flow.h"
 
 #include <cstdint>
@@ -59,7 +60,7 @@ struct FlowCharacter
 class FlowText
 {
 public:
-    FlowText(FlowSource text_source, FlowBreaker& breaker);
+    FlowText(FlowSource text_source, FlowBreaker& breaker, FlowMeter& meter);
 
     /** Whether the font draws something for a character. */
     static bool HasGlyph(IFont* font, UInt16 size, WChar character);
@@ -86,7 +87,7 @@ private:
     void Shape(const std::vector<UInt32>& codes);
     void ChooseGlyphs(const std::vector<UInt32>& codes, const FlowOrder& order);
     bool AreNeighbours(UInt32 first) const;
-    void Measure();
+    void Measure(FlowMeter& meter);
 };
 
 } // namespace zelxxx

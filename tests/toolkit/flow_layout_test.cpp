@@ -313,6 +313,37 @@ TEST_F(FlowMeasure, WhateverMattersMakesAnotherLayout)
     EXPECT_EQ(Measure(u"text").GetLine(0).box.top, 0);
 }
 
+TEST_F(FlowMeasure, FontIsAskedOnceForALetter)
+{
+    text.attributes[AttrSpanX] = 32767;
+    Measure(u"aaaaaaaaaa");
+    const int asked = text.numbers->asked;
+    EXPECT_LT(asked, 6) << "an advance, a pair, and pictures at both ends";
+    Measure(u"aaaaa");
+    EXPECT_LE(text.numbers->asked - asked, 2) << "the pictures";
+}
+
+TEST_F(FlowMeasure, LettersThatTakeEachOthersPlaceKeepTheirAdvances)
+{
+    // More letters, pairs and sizes than are remembered.
+    text.attributes[AttrTextFormat] = TextAlignLeft;
+    std::u16string units;
+    for (char16_t letter = 0; letter < 5000; ++letter) {
+        const auto unit = static_cast<char16_t>(0x4e00 + letter);
+        units += unit;
+        text.numbers->advances[unit] = letter % 50;
+    }
+    for (int round = 0; round < 2; ++round) {
+        for (const int size : {20, 40}) {
+            text.attributes[AttrFontSize] = size;
+            formatter.Clear();
+            Measure(units);
+            // 100 times the advances 0 to 49, in hundredths of the size.
+            EXPECT_EQ(Measure(units + u"\n").GetWidth(), 100 * (49 * 50 / 2) * size / 100);
+        }
+    }
+}
+
 TEST_F(FlowMeasure, ClearGivesUpLayoutsAndFonts)
 {
     Measure(u"one two three");
@@ -471,7 +502,8 @@ TEST_F(FlowMeasure, FontWithoutWidthsIsSurvived)
     EXPECT_EQ(Measure(u"some text").GetWidth(), 0);
     for (char16_t unit = 0; unit < 0x80; ++unit)
         text.numbers->advances[unit] = -70;
-    EXPECT_EQ(LayOut(formatter, text, u"some other").GetWidth(), 0);
+    formatter.Clear();
+    EXPECT_EQ(Measure(u"some text").GetWidth(), 0);
 }
 
 } // namespace

@@ -170,16 +170,18 @@ private:
     std::shared_ptr<const FlowPlacement> _placement;
 };
 
-/** Is told where a formatter puts lines: to draw boxes behind them, for instance. */
+/** Is told where a formatter puts lines, to keep boxes behind them for instance. */
 class KESTRIN_EXPORT IFlowLineHandler
 {
 public:
     virtual ~IFlowLineHandler() {}
     /**
-     * A line of a widget that is being painted. What this changes in the scene shows at the next
-     * update; FlowFormatter::LayOut knows the lines before.
+     * A line of a widget that is being painted, whenever the widget was changed.
      *
-     * @param index  counted from 0, which is called for each, from top to bottom
+     * The scene takes no notice of what is set now: place a box that depends on the line after the
+     * update, or ask FlowFormatter::LayOut before.
+     *
+     * @param index  counted from 0; called for each line from top to bottom
      * @param count  lines of the widget; 0, with no line, for a widget that has become empty
      */
     virtual void HandleLine(IText* text, UInt32 index, UInt32 count, const FlowLine& line) = 0;

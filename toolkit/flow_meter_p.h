@@ -1,0 +1,91 @@
+/** Advances and kernings that a font has been asked for before. */
+#pragma once
+
+#include "vrel_kestrin_graphic.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace zelxxx {
+
+/**
+ * Remembers what fonts say, since texts repeat their letters: each answer has one place that its
+ * question leads to, where a later one may replace it. Holds the fonts, so that no other takes
+ * their address.
+ */
+class FlowMeter
+{
+public:
+    /** In font units times the size, as Kerning. */
+    Int32 Advance(IFont* font, UInt16 size, WChar character)
+    {
+        Answer& answer = Find(font, size, character, 0);
+        if (!answer.font) {
+            Ask(answer, font, size, character, 0);
+            answer.value = font->GetFTNoScaleCharMetricsX(character, size, FontRegular);
+        }
+        return answer.value;
+    }
+    /** The characters are not 0. */
+    Int32 Kerning(IFont* font, UInt16 size, WChar left, WChar right)
+    {
+        Answer& answer = Find(font, size, right, left);
+        if (!answer.font) {
+            Ask(answer, font, size, right, left);
+            answer.value = font->GetFTKerning(left, right, size, FontRegular);
+        }
+        return answer.value;
+    }
+    void Clear()
+    {
+        _answers = {};
+        _held.clear();
+    }
+
+private:
+    static constexpr std::size_t kPlaces = 4096;
+    static constexpr std::size_t kMostFonts = 32;
+
+    struct Answer
+    {
+        IFont* font = nullptr; /**< null: not asked yet */
+        Int32 value = 0;
+        UInt16 size = 0;
+        WChar character = 0;
+        WChar left = 0; /**< 0 for an advance */
+    };
+
+    /** The place of a question, without a font if it holds another answer or none. */
+    Answer& Find(IFont* font, UInt16 size, WChar character, WChar left)
+    {
+        const std::uint32_t pair = static_cast<std::uint32_t>(left) << 16 | character;
+        const std::uint32_t mixed = (pair ^ size * 0x85ebca6bU) * 0x9e3779b1U;
+        Answer& answer = _answers[mixed >> 20];
+        if (answer.font != font || answer.size != size || answer.character != character ||
+            answer.left != left)
+            answer.font = nullptr;
+        return answer;
+    }
+    void Ask(Answer& answer, IFont* font, UInt16 size, WChar character, WChar left)
+    {
+        Hold(font);
+        answer = {font, 0, size, character, left};
+    }
+    void Hold(IFont* font)
+    {
+        for (const ZELObjPtr<IFont>& held : _held) {
+            if (held == font)
+                return;
+        }
+        if (_held.size() == kMostFonts)
+            Clear();
+        _held.push_back(font);
+    }
+
+    std::array<Answer, kPlaces> _answers;
+    std::vector<ZELObjPtr<IFont>> _held;
+};
+
+} // namespace zelxxx
