@@ -175,7 +175,7 @@ FlowParts::Placement FlowParts::Place(IText* text, PtrConstWChar units, UInt32 l
     }
     if (!same_text)
         same_text = std::make_shared<FlowText>(source, _breaker, _meter);
-    Keep(std::make_shared<FlowPlacement>(same_text, box));
+    Keep(std::make_shared<FlowPlacement>(same_text, box, _meter));
     return _layouts.front();
 }
 

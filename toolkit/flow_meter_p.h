@@ -1,4 +1,4 @@
-/** Advances and kernings that a font has been asked for before. */
+/** What fonts have been asked for before: advances, kernings, extents of glyphs. */
 #pragma once
 
 #include "vrel_kestrin_graphic.h"
@@ -18,6 +18,12 @@ namespace zelxxx {
 class FlowMeter
 {
 public:
+    /** Columns of a glyph's picture from its pen, half open, in pixels. */
+    struct Ink
+    {
+        Int32 left, right;
+    };
+
     /** In font units times the size, as Kerning. */
     Int32 Advance(IFont* font, UInt16 size, WChar character)
     {
@@ -38,14 +44,29 @@ public:
         }
         return answer.value;
     }
+    Ink InkOf(IFont* font, UInt16 size, WChar character, UInt32 molecule, UInt32 denominator)
+    {
+        InkAnswer& answer = _inks[character % kInkPlaces];
+        if (answer.font != font || answer.size != size || answer.character != character ||
+            answer.molecule != molecule || answer.denominator != denominator) {
+            Hold(font);
+            CharMetrics glyph = {};
+            font->GetFTCharMetrics(character, size, FontRegular, &glyph, molecule, denominator);
+            const Int32 left = glyph.hori_bearing_x;
+            answer = {font, size, character, molecule, denominator, {left, left + glyph.width}};
+        }
+        return answer.ink;
+    }
     void Clear()
     {
         _answers = {};
+        _inks = {};
         _held.clear();
     }
 
 private:
     static constexpr std::size_t kPlaces = 4096;
+    static constexpr std::size_t kInkPlaces = 512;
     static constexpr std::size_t kMostFonts = 32;
 
     struct Answer
@@ -55,6 +76,16 @@ private:
         UInt16 size = 0;
         WChar character = 0;
         WChar left = 0; /**< 0 for an advance */
+    };
+
+    struct InkAnswer
+    {
+        IFont* font = nullptr;
+        UInt16 size = 0;
+        WChar character = 0;
+        UInt32 molecule = 0;
+        UInt32 denominator = 0;
+        Ink ink = {};
     };
 
     /** The place of a question, without a font if it holds another answer or none. */
@@ -85,6 +116,7 @@ private:
     }
 
     std::array<Answer, kPlaces> _answers;
+    std::array<InkAnswer, kInkPlaces> _inks;
     std::vector<ZELObjPtr<IFont>> _held;
 };
 

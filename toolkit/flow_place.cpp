@@ -44,14 +44,17 @@ bool FlowBox::operator==(const FlowBox& other) const
            line_height == other.line_height && balanced == other.balanced;
 }
 
-FlowPlacement::FlowPlacement(std::shared_ptr<const FlowText> laid_text, const FlowBox& in_box)
-    : text(std::move(laid_text)), box(in_box), cut(text->source.cut), _em(0), _slots(text->Count())
+FlowPlacement::FlowPlacement(std::shared_ptr<const FlowText> laid_text, const FlowBox& in_box,
+                             FlowMeter& meter)
+    : text(std::move(laid_text)), box(in_box), cut(text->source.cut), _meter(&meter), _em(0),
+      _slots(text->Count())
 {
     const std::int64_t stretched = std::int64_t{text->source.size} * box.molecule;
     _em = box.denominator ? Near(stretched / box.denominator) : 0;
     BreakText();
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].top = Near(TopOf(rows.size()) + static_cast<std::int64_t>(i) * box.line_height);
+    _meter = nullptr;
 }
 
 // ---- Measuring ------------------------------------------------------------------------------
@@ -457,14 +460,13 @@ bool FlowPlacement::IsInk(const FlowItem& item) const
     return item.added || !text->characters[item.character].Is(FlowCharacter::Blank);
 }
 
-/** Columns of a glyph's picture, half open. */
-FlowPlacement::Slot FlowPlacement::InkOf(const FlowItem& item) const
+/** Columns of an item's picture, half open. */
+FlowMeter::Ink FlowPlacement::InkOf(const FlowItem& item) const
 {
-    CharMetrics glyph = {};
-    text->source.font->GetFTCharMetrics(item.glyph, text->source.size, FontRegular, &glyph,
-                                        box.molecule, box.denominator);
-    const Int32 left = item.x + glyph.hori_bearing_x;
-    return {left, left + glyph.width, 0};
+    const FlowSource& source = text->source;
+    const FlowMeter::Ink ink =
+        _meter->InkOf(source.font, source.size, item.glyph, box.molecule, box.denominator);
+    return {item.x + ink.left, item.x + ink.right};
 }
 
 void FlowPlacement::Move(FlowRow& row, Int32 by)

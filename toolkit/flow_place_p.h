@@ -46,7 +46,8 @@ struct FlowRow
 class FlowPlacement
 {
 public:
-    FlowPlacement(std::shared_ptr<const FlowText> laid_text, const FlowBox& in_box);
+    FlowPlacement(std::shared_ptr<const FlowText> laid_text, const FlowBox& in_box,
+                  FlowMeter& meter);
 
     FlowRect RectOfUnit(UInt32 unit) const;
     UInt32 UnitAt(Int32 x, Int32 y) const;
@@ -120,12 +121,13 @@ private:
     Int32 LeftOf(Int32 width, bool right_to_left) const;
     Int32 TopOf(std::size_t count) const;
     Int32 Shift(const FlowRow& row) const;
-    Slot InkOf(const FlowItem& item) const;
+    FlowMeter::Ink InkOf(const FlowItem& item) const;
     void Move(FlowRow& row, Int32 by);
 
     FlowRect EndRect() const;
 
-    Int32 _em; /**< width of the font's square, in pixels */
+    FlowMeter* _meter; /**< null once everything has its place */
+    Int32 _em;         /**< width of the font's square, in pixels */
     std::vector<Slot> _slots;
 };
 
