@@ -50,7 +50,7 @@ void FlowDrawing::Draw()
     if (_style.outline_blend != 0 && _style.outline_width != 0)
         DrawOutline();
     DrawGlyphs(0, 0, nullptr);
-    if (_placement.box.format & TextMarked)
+    if (_text->GetAttribute(AttrTextFormat) & TextMarked)
         DrawMarks();
 }
 

@@ -15,8 +15,12 @@ namespace {
 constexpr std::size_t kMostLayouts = 256;
 constexpr std::size_t kMostKeptUnits = 4 * std::size_t{kMostUnits};
 
+/** The TextFormat bits that layouts depend on; marks are drawn into any. */
+constexpr UInt32 kPlacing =
+    TextAlignLeft | TextAlignRight | TextAlignTop | TextAlignBottom | TextWrap | TextEndEllipsis;
+
 constexpr Int32 kWidestOutline = 8;
-constexpr Int32 kMostLetterSpace = 32767;
+constexpr Int32 kMostPixels = 32767;
 
 UInt16 Attribute16(IText* text, AttrIndex index)
 {
@@ -60,8 +64,8 @@ Sizes SizesOf(IText* text, const FlowStyle& style)
 FlowBox BoxOf(IText* text, const FlowStyle& style, const Sizes& sizes, IFont* font)
 {
     FlowBox box = {};
-    box.width = std::max(0, text->GetAttribute(AttrSpanX));
-    box.height = std::max(0, text->GetAttribute(AttrSpanY));
+    box.width = std::clamp(text->GetAttribute(AttrSpanX), 0, kMostPixels);
+    box.height = std::clamp(text->GetAttribute(AttrSpanY), 0, kMostPixels);
     const Int32 outline =
         style.outline_blend != 0 ? std::min<Int32>(style.outline_width, kWidestOutline) : 0;
     const Int32 shadow_x = style.shadow_blend != 0 ? style.shadow_x : 0;
@@ -70,11 +74,10 @@ FlowBox BoxOf(IText* text, const FlowStyle& style, const Sizes& sizes, IFont* fo
     box.right = std::max(outline, shadow_x);
     box.top = std::max(outline, -shadow_y);
     box.bottom = std::max(outline, shadow_y);
-    box.format = static_cast<UInt32>(text->GetAttribute(AttrTextFormat));
+    box.format = static_cast<UInt32>(text->GetAttribute(AttrTextFormat)) & kPlacing;
     box.molecule = static_cast<UInt32>(text->GetAttribute(AttrFontScalerMolecule));
     box.denominator = static_cast<UInt32>(text->GetAttribute(AttrFontScalerDenominator));
-    box.letter_space =
-        std::clamp(text->GetAttribute(AttrLetterSpace), -kMostLetterSpace, kMostLetterSpace);
+    box.letter_space = std::clamp(text->GetAttribute(AttrLetterSpace), -kMostPixels, kMostPixels);
     box.balanced = style.balanced;
     box.line_height = sizes.line;
     if (box.line_height == 0) {

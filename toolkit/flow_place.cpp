@@ -246,7 +246,6 @@ void FlowPlacement::EndInEllipsis(UInt32 begin, UInt32 end)
     const bool has = FlowText::HasGlyph(source.font, source.size, kEllipsis);
     const std::u16string dots = has ? std::u16string(1, kEllipsis) : kDots;
     const Int32 room = Room() - WidthOf(dots) - box.letter_space;
-    end = text->Trim(begin, end);
     UInt32 kept = begin;
     for (UInt32 i = begin; i < end && Width(begin, i + 1) <= room; ++i) {
         if (i + 1 == end || !text->characters[i + 1].Is(FlowCharacter::Continues))

@@ -14,7 +14,7 @@ struct FlowBox
 {
     Int32 width, height;            /**< of the widget */
     Int32 left, top, right, bottom; /**< kept free inside it */
-    UInt32 format;                  /**< TextFormat bits */
+    UInt32 format;                  /**< TextFormat bits, without TextMarked */
     UInt32 molecule, denominator;
     Int32 letter_space;
     Int32 line_height; /**< at least 1 */

@@ -1,7 +1,6 @@
 #include "flow_breaks_p.h"
 #include "unicode_data.h"
 
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -73,15 +72,23 @@ std::vector<Case> Differing(const std::string& file, FlowBoundary kind, int* cou
     return differing;
 }
 
+/**
+ * The library's own deviations: what a hyphen begins, and a number after a point or a comma, stays
+ * together.
+ */
+bool IsKnownDeviation(const std::string& line)
+{
+    const auto has = [&](const char* part) { return line.find(part) != std::string::npos; };
+    return line.find("× 002D ") == 0 || has("002E ÷ 003") || has("002C ÷ 003") ||
+           has("002C × 0308 ÷ 003");
+}
+
 TEST(FlowBreaks, LinesEndWhereUnicodesTestFileSaysButForSignsAndDecimalPoints)
 {
-    // The library's own deviations: what a hyphen begins, and a number after a point or a comma,
-    // stays together.
-    const std::regex deviation("^× 002D |002[CE] (× 0308 )?÷ 003[0-9]");
     int count = 0;
     const std::vector<Case> differing = Differing("auxiliary/LineBreakTest.txt", FlowBreak, &count);
     for (const Case& one : differing)
-        EXPECT_TRUE(std::regex_search(one.line, deviation)) << one.line;
+        EXPECT_TRUE(IsKnownDeviation(one.line)) << one.line;
     EXPECT_LE(differing.size(), 22U);
     EXPECT_GT(count, 7000);
 }

@@ -200,6 +200,25 @@ TEST_F(FlowFormat, BalancedLinesAreAboutEquallyLong)
                 ElementsAre(Row{0, 12, u"abcdef"}, Row{0, 36, u"ghijkl"}));
 }
 
+TEST_F(FlowFormat, BalancingDoesNotCutWords)
+{
+    FlowStyle style;
+    style.balanced = true;
+    formatter.SetStyle(style);
+    EXPECT_THAT(Rows(u"abcdefgh ij", TextWrap | TextAlignLeft),
+                ElementsAre(Row{0, 12, u"abcdefgh"}, Row{0, 36, u"ij"}));
+}
+
+TEST_F(FlowFormat, LineIsFullWhenThePictureAtItsRightEndIs)
+{
+    text.attributes[AttrTextFormat] = TextWrap;
+    text.numbers->inks['j'] = {1, 13};
+    EXPECT_EQ(LayOut(formatter, text, u"abcdefghij").GetLineCount(), 2U);
+    text.numbers->inks[u'א'] = {1, 13};
+    EXPECT_EQ(LayOut(formatter, text, u"בגדהוזחטיא").GetLineCount(), 1U) << "that is its left end";
+    EXPECT_EQ(LayOut(formatter, text, u"אבגדהוזחטי").GetLineCount(), 2U);
+}
+
 // ---- Forced breaks ----
 
 TEST_F(FlowFormat, EveryKindOfBreakEndsALine)
@@ -359,6 +378,13 @@ TEST_F(FlowFormat, KerningBringsPairsTogether)
                                                    Record{Record::Char, 8, 24, u'V', 0},
                                                    Record{Record::Char, 18, 24, u'A', 0}));
     EXPECT_EQ(LayOut(formatter, text, u"AVA").GetWidth(), 28);
+}
+
+TEST_F(FlowFormat, MarksAreNotKerned)
+{
+    text.numbers->advances[0x301] = 0;
+    text.numbers->kernings[{'e', 0x301}] = -10;
+    EXPECT_EQ(LayOut(formatter, text, u"e\u0301").GetWidth(), 10);
 }
 
 TEST_F(FlowFormat, KerningDoesNotReachOverALinesEnd)

@@ -247,6 +247,8 @@ TEST_F(FlowMeasure, SameTextAndBoxAreLaidOutOnce)
     EXPECT_GT(asked, 10);
     text.Show(u"one two three", formatter);
     text.attributes[AttrColor] = 3;
+    text.attributes[AttrTextFormat] |= TextMarked;
+    text.attributes[AttrCursorIndex] = 2;
     text.Show(u"one two three", formatter);
     Measure(u"one two three");
     EXPECT_EQ(text.numbers->asked, asked);

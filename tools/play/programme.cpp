@@ -92,8 +92,10 @@ void ChooseFonts(Programme& programme, const FontSet& fonts, Report& report)
         for (CaptionLine& line : caption.lines) {
             line.font = common.missing.empty() ? common : fonts.Choose(line.styled.text);
             if (!line.font.missing.empty())
-                report.Warn({line.line, "no font has " + line.font.missing + ", shown as blanks",
-                             "name a font that has them with --font"});
+                report.Warn(
+                    {line.line,
+                     "no font has " + line.font.missing + ", shown as blanks or replacements",
+                     "name a font that has them with --font"});
         }
     }
 }
