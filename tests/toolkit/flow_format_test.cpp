@@ -433,6 +433,8 @@ TEST_F(FlowFormat, ReferenceSpanScalesTheOrgSizes)
     text.attributes[AttrSpanY] = 12;
     EXPECT_EQ(LayOut(formatter, text, u"text").GetWidth(), 10);
     EXPECT_EQ(LayOut(formatter, text, u"text").GetHeight(), 6);
+    text.attributes[AttrSpanY] = 18; // 7.5 is rounded to 8
+    EXPECT_EQ(LayOut(formatter, text, u"text").GetWidth(), 16);
 }
 
 TEST_F(FlowFormat, ReferenceSpanThatIsNoneHasNoEffect)

@@ -244,7 +244,9 @@ TEST_F(FlowMeasure, SameTextAndBoxAreLaidOutOnce)
 {
     Measure(u"one two three");
     const int asked = text.numbers->asked;
+    const int converted = text.numbers->converted;
     EXPECT_GT(asked, 10);
+    EXPECT_GT(converted, 13);
     text.Show(u"one two three", formatter);
     text.attributes[AttrColor] = 3;
     text.attributes[AttrTextFormat] |= TextMarked;
@@ -252,6 +254,7 @@ TEST_F(FlowMeasure, SameTextAndBoxAreLaidOutOnce)
     text.Show(u"one two three", formatter);
     Measure(u"one two three");
     EXPECT_EQ(text.numbers->asked, asked);
+    EXPECT_EQ(text.numbers->converted, converted);
 }
 
 TEST_F(FlowMeasure, WidgetsWithTheSameTextShareALayout)
@@ -260,9 +263,9 @@ TEST_F(FlowMeasure, WidgetsWithTheSameTextShareALayout)
     other.attributes = text.attributes;
     other.font = text.font;
     Measure(u"one two three");
-    const int asked = text.numbers->asked;
+    const int converted = text.numbers->converted;
     EXPECT_EQ(LayOut(formatter, other, u"one two three").GetLineCount(), 2U);
-    EXPECT_EQ(text.numbers->asked, asked);
+    EXPECT_EQ(text.numbers->converted, converted);
 }
 
 TEST_F(FlowMeasure, SeveralTextsInTurnAreKept)
@@ -270,20 +273,24 @@ TEST_F(FlowMeasure, SeveralTextsInTurnAreKept)
     const std::vector<std::u16string> units = {u"one", u"two", u"three"};
     for (const std::u16string& one : units)
         Measure(one);
-    const int asked = text.numbers->asked;
+    const int converted = text.numbers->converted;
     for (const std::u16string& one : units)
         Measure(one);
-    EXPECT_EQ(text.numbers->asked, asked);
+    EXPECT_EQ(text.numbers->converted, converted);
 }
 
-TEST_F(FlowMeasure, AnotherBoxDoesNotMeasureTheCharactersAgain)
+TEST_F(FlowMeasure, AnotherBoxDoesNotShapeTheTextAgain)
 {
-    Measure(u"one two three four five six seven");
+    const std::u16string units = u"one two three four five six seven";
+    Measure(units);
     const int asked = text.numbers->asked;
+    const int holds = text.numbers->Hold();
+    text.numbers->Release();
     text.attributes[AttrSpanX] = 60;
-    EXPECT_EQ(Measure(u"one two three four five six seven").GetLineCount(), 7U);
-    // A few pictures at the lines' ends, not the advances of 33 characters.
-    EXPECT_LT(text.numbers->asked - asked, 33);
+    EXPECT_EQ(Measure(units).GetLineCount(), 7U);
+    EXPECT_LT(text.numbers->asked - asked, 33) << "some pictures at the lines' ends, no advances";
+    EXPECT_EQ(text.numbers->Hold(), holds) << "both have the one text that holds the font";
+    text.numbers->Release();
 }
 
 TEST_F(FlowMeasure, WhateverMattersMakesAnotherLayout)

@@ -36,6 +36,7 @@ public:
     std::set<WChar> missing;
     std::map<WChar, std::pair<Int32, Int32>> inks; /**< left and right of a picture, in pixels */
     int asked = 0;
+    int converted = 0; /**< font units to pixels: what making a layout cannot do without */
 
     void GetFTFontMetrics(UInt16 size, FontStyle, FontMetrics* metrics) override
     {
@@ -73,6 +74,7 @@ public:
     Int32 NoScaleFontUnitsToPixelsInCalculate(Int32 value, UInt32 molecule,
                                               UInt32 denominator) override
     {
+        ++converted;
         const std::int64_t pixels = (std::int64_t{value} + kUnits - 1) / kUnits;
         return denominator ? static_cast<Int32>((pixels * molecule + denominator - 1) / denominator)
                            : 0;
