@@ -3,34 +3,12 @@
  *
  * Takes a font file as its argument, or DejaVu Sans.
  */
-#include "vrel_kestrin_graphic.h"
+#include "vrel_kestrin_flow.h"
 
 #include <cstdio>
 #include <fstream>
 
 using namespace zelxxx;
-
-/** Puts the characters side by side from the widget's top left corner. */
-class OneLine : public ITextFormater
-{
-public:
-    void Format(IText* text, PtrWChar units, UInt32 length) override
-    {
-        const UInt16 size = static_cast<UInt16>(text->GetAttribute(AttrFontSize));
-        IFont* font = text->GetFont();
-        Int32 pen = 0;
-        text->AddColorInfo(255, 220, 120, 255);
-        for (UInt32 i = 0; i < length; ++i) {
-            const Int32 x = font->NoScaleFontUnitsToPixelsInCalculate(pen, 100, 100);
-            text->AddCharInfo(static_cast<Int16>(x), 0, 0, units[i]);
-            pen += font->GetFTNoScaleCharMetricsX(units[i], size, FontRegular);
-        }
-    }
-    void GetCharBuffer(const CharMetrics*, ColorValue, BlendValue, PtrSChar) override
-    {
-        // Asked for on 8-bit displays only.
-    }
-};
 
 template <class Widget>
 void Place(Widget& widget, int x, int y, int width, int height)
@@ -50,7 +28,7 @@ int main(int argc, char** argv)
 
     zelInitialize(1280, 720, Color32Bit);
     {
-        OneLine formatter;
+        FlowFormatter formatter(Color32Bit);
         ZELObjPtr<IScene> scene(
             zelCreateScene(0, 1280, 720, Color32Bit, SceneUseDoubleBuffer, BlendSrcOver));
         ZELObjPtr<ILayer> layer(zelCreateLayer(nullptr));
@@ -66,6 +44,8 @@ int main(int argc, char** argv)
         Place(text, 350, 575, 600, 60);
         text->SetAttribute(AttrFontIndex, 1);
         text->SetAttribute(AttrFontSize, 44);
+        text->SetAttribute(AttrTextFormat, TextAlignLeft | TextEndEllipsis);
+        text->SetAttribute(AttrColor, 0x78dcff);
         const char caption[] = "Grüße vom Bildschirm";
         text->SetText(caption, sizeof caption - 1, EncodingUTF8, &formatter);
         layer->AddWidget(text);

@@ -2,132 +2,80 @@
  * Runs the examples and looks at what they leave on the screen.
  */
 #include "display_fixture.h"
-#include "png_file.h"
 #include "run_command.h"
 #include "temp_directory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
+#include <cstdint>
 #include <string>
 
 namespace {
 
-TEST(Examples, FirstShowsItsCaptionInItsBox)
+using kestrin_display::ArgbImage;
+
+/** What a program leaves on a display of its own. */
+ArgbImage ScreenOf(const std::string& program, int width, int height)
 {
     const kestrin_test::TempDirectory directory;
-    const kestrin_test::TestDisplay display;
+    const kestrin_test::TestDisplay display(width, height);
     const kestrin_test::Outcome outcome =
         kestrin_test::RunCommand("cd " + directory.Path("") + " && DFBARGS='" +
-                                 display.Arguments() + "' " KESTRIN_EXAMPLES "/first");
-    ASSERT_EQ(outcome.status, 0) << outcome.output;
+                                 display.Arguments() + "' " KESTRIN_EXAMPLES "/" + program);
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    return display.Shot();
+}
 
-    const kestrin_display::ArgbImage shot = display.Shot();
+/** Pixels of a colour in x1 <= x < x2, y1 <= y < y2. */
+int Count(const ArgbImage& shot, std::uint32_t color, int x1, int y1, int x2, int y2)
+{
+    int count = 0;
+    for (int y = y1; y < y2; ++y) {
+        for (int x = x1; x < x2; ++x)
+            count += shot.At(x, y) == color;
+    }
+    return count;
+}
+
+TEST(Examples, FirstShowsItsCaptionInItsBox)
+{
+    const ArgbImage shot = ScreenOf("first", 1280, 720);
     EXPECT_EQ(shot.At(330, 570), 0xC8102040);
     EXPECT_EQ(shot.At(319, 570), 0u);
     const auto light = std::count(shot.pixels.begin(), shot.pixels.end(), 0xFFFFDC78);
     EXPECT_GT(light, 1000);
 }
 
-/** The banner's pictures and what 8-bit displays need, made by the tools. */
-class Banner : public testing::Test
+TEST(Examples, CaptionsShowTwoColoursOverBoxesInEveryCell)
 {
-protected:
-    Banner()
-    {
-        Run(KESTRIN_EXAMPLES "/banner-pictures .");
-        Run(KESTRIN_TOOLS "/kestrin-palette make logo.png tile.png text.png photo.png icon-*.png "
-                          "banner.pal");
-        for (const char* name : {"logo", "tile", "photo", "icon"}) {
-            const std::string picture = name;
-            Run(KESTRIN_TOOLS "/kestrin-image make --palette banner.pal " + picture +
-                (picture == "icon" ? "-*.png " : ".png ") + picture + ".img");
-        }
-    }
-    void Run(const std::string& command) const
-    {
-        const kestrin_test::Outcome outcome =
-            kestrin_test::RunCommand("cd " + directory.Path("") + " && " + command);
-        EXPECT_EQ(outcome.status, 0) << command << outcome.output;
-    }
-    kestrin_display::ArgbImage Shown(int bits, int steps) const
-    {
-        Run("DFBARGS='" + display.Arguments() + "' " KESTRIN_EXAMPLES "/banner . " +
-            std::to_string(bits) + " " + std::to_string(steps));
-        return display.Shot();
-    }
-
-    const kestrin_test::TempDirectory directory;
-    const kestrin_test::TestDisplay display;
-};
-
-/** Pixels of a part that are nearly of one colour. */
-std::ptrdiff_t CountNear(const kestrin_display::ArgbImage& image, int left, int top, int width,
-                         int height, std::uint32_t colour)
-{
-    std::ptrdiff_t count = 0;
-    for (int y = top; y < top + height; ++y) {
-        for (int x = left; x < left + width; ++x) {
-            int distance = 0;
-            for (const unsigned shift : {0U, 8U, 16U, 24U})
-                distance += std::abs(static_cast<int>(image.At(x, y) >> shift & 0xff) -
-                                     static_cast<int>(colour >> shift & 0xff));
-            count += distance < 24;
-        }
-    }
-    return count;
-}
-
-TEST_F(Banner, ShowsItsPartsInBothModes)
-{
-    const kestrin_display::ArgbImage photo = kestrin_tools::ReadPng(directory.Path("photo.png"));
-    for (const int bits : {32, 8}) {
-        const kestrin_display::ArgbImage shot = Shown(bits, 1);
-        EXPECT_EQ(shot.At(60, 560), 0u) << "beside the banner";
-        EXPECT_GT(CountNear(shot, 64, 472, 1152, 4, 0xFFFFB54A), 1152 * 3) << "line";
-        EXPECT_GT(CountNear(shot, 256, 484, 530, 60, 0xFFFFFFFF), 2000) << "title";
-        EXPECT_GT(CountNear(shot, 256, 600, 80, 50, 0xFFFFB54A), 200) << "accent";
-        EXPECT_GT(CountNear(shot, 86, 496, 140, 140, 0xFFFFFFFF), 2000) << "logo's letter";
-        EXPECT_GT(CountNear(shot, 800, 492, 100, 90, 0xFFFFFFFF), 300) << "cloud";
-        EXPECT_GT(CountNear(shot, 1072, 44, 144, 60, 0xFFFFFFFF), 500) << "clock";
-        int near = 0;
-        for (int y = 0; y < 144; ++y) {
-            for (int x = 0; x < 256; ++x)
-                near += CountNear(shot, 936 + x, 492 + y, 1, 1, photo.At(x, y)) != 0;
-        }
-        EXPECT_GT(near, 256 * 144 * 9 / 10) << "photo";
+    const ArgbImage shot = ScreenOf("captions", 1280, 720);
+    constexpr std::uint32_t sung = 0xFFFFE040, white = 0xFFFFFFFF, box = 0xFF202840;
+    for (int cell = 0; cell < 6; ++cell) {
+        SCOPED_TRACE(cell);
+        const int x = 24 + cell % 3 * 418;
+        const int y = 24 + cell / 3 * 348;
+        EXPECT_GT(Count(shot, sung, x, y, x + 394, y + 324), 500);
+        EXPECT_GT(Count(shot, white, x, y + 40, x + 394, y + 324), 1000) << "below the name";
+        EXPECT_GT(Count(shot, box, x, y, x + 394, y + 324), 5000);
+        EXPECT_EQ(Count(shot, white, x + 394, y, x + 418, y + 324), 0) << "beside the cell";
     }
 }
 
-TEST_F(Banner, StepsTurnTheIconAndMoveTheBar)
+TEST(Examples, TeletextShowsColouredCellsAndDoubleHeight)
 {
-    for (const int bits : {32, 8}) {
-        const kestrin_display::ArgbImage first = Shown(bits, 1);
-        const kestrin_display::ArgbImage later = Shown(bits, 6);
-        int changed = 0, outside = 0;
-        for (int y = 0; y < first.height; ++y) {
-            for (int x = 0; x < first.width; ++x) {
-                const bool icon = x >= 802 && x < 898 && y >= 492 && y < 580;
-                const bool bar = x >= 556 && x < 566 && y >= 586 && y < 592;
-                const bool differs = first.At(x, y) != later.At(x, y);
-                changed += differs;
-                outside += differs && !icon && !bar;
-            }
-        }
-        EXPECT_GT(changed, 500) << bits;
-        EXPECT_EQ(outside, 0) << bits;
-    }
-}
-
-TEST_F(Banner, MissingPicturesAreNamed)
-{
-    std::filesystem::remove(directory.Path("photo.img"));
-    const kestrin_test::Outcome outcome =
-        kestrin_test::RunCommand("cd " + directory.Path("") + " && DFBARGS='" +
-                                 display.Arguments() + "' " KESTRIN_EXAMPLES "/banner . 8 1");
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.output.find("./photo.img: cannot be read"), std::string::npos);
+    const ArgbImage shot = ScreenOf("teletext", 720, 576);
+    constexpr std::uint32_t white = 0xFFFFFFFF, yellow = 0xFFFFFF00, red = 0xFFFF0000,
+                            blue = 0xFF0000FF, cyan = 0xFF00FFFF, black = 0xFF000000;
+    EXPECT_EQ(shot.At(1, 24), red);
+    EXPECT_EQ(shot.At(1, 68), red) << "both rows of the title";
+    EXPECT_EQ(shot.At(719, 40), blue);
+    EXPECT_EQ(shot.At(719, 232), cyan);
+    EXPECT_EQ(shot.At(719, 300), black);
+    EXPECT_GT(Count(shot, yellow, 0, 92, 648, 115), 300) << "upper half of the headline";
+    EXPECT_GT(Count(shot, yellow, 0, 115, 648, 138), 300) << "lower half";
+    EXPECT_GT(Count(shot, white, 0, 138, 720, 207), 1500) << "three rows of text";
+    EXPECT_EQ(Count(shot, white, 0, 207, 720, 230), 0) << "an empty row";
 }
 
 } // namespace

@@ -25,7 +25,13 @@ TEST(Markup, OtherAngleBracketsAreText)
 
 TEST(Markup, InvisibleCharactersGoAndTabsAreBlanks)
 {
-    EXPECT_EQ(Text(u"a\tb\u200B\u00AD\u0007\uFEFFc"), u"a bc");
+    EXPECT_EQ(Text(u"a\tb\u0007\u009F\uFEFFc"), u"a bc");
+}
+
+TEST(Markup, WhatShapesAndBreaksLinesStays)
+{
+    EXPECT_EQ(Text(u"a\u00ADb\u200Bc\u200C\u200D\u200E\u200F\u2067d"),
+              u"a\u00ADb\u200Bc\u200C\u200D\u200E\u200F\u2067d");
 }
 
 TEST(Markup, FontColoursBeginAndEnd)

@@ -20,9 +20,12 @@ using zelxxx::ResIndex;
 constexpr std::size_t most_fonts = 16;
 constexpr std::size_t fonts_per_resource = 2;
 
-bool IsBlank(char16_t unit)
+/** Blanks, and what only shapes and breaks lines: soft hyphen, joiners, direction marks. */
+bool NeedsNoShape(char16_t unit)
 {
-    return unit == u' ' || unit == 0xA0 || unit == 0x3000;
+    return unit == u' ' || unit == 0xA0 || unit == 0x3000 || unit == 0xAD ||
+           (unit >= 0x200B && unit <= 0x200F) || (unit >= 0x202A && unit <= 0x202E) ||
+           (unit >= 0x2060 && unit <= 0x2069);
 }
 
 } // namespace
@@ -58,7 +61,7 @@ struct FontSet::Faces
     {
         std::u16string missing;
         for (const char16_t unit : text) {
-            if (!IsBlank(unit) && FT_Get_Char_Index(faces[index], unit) == 0 &&
+            if (!NeedsNoShape(unit) && FT_Get_Char_Index(faces[index], unit) == 0 &&
                 missing.find(unit) == std::u16string::npos)
                 missing += unit;
         }

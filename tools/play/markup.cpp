@@ -35,12 +35,10 @@ std::optional<std::uint32_t> ReadColour(const std::string& value)
     return rgb;
 }
 
-/** Not drawn and not told by fonts: controls, joiners, direction marks, soft hyphen, byte mark. */
+/** Neither drawn nor of use to the layout: controls, byte mark. */
 bool IsInvisible(char16_t unit)
 {
-    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0xAD ||
-           (unit >= 0x200B && unit <= 0x200F) || (unit >= 0x202A && unit <= 0x202E) ||
-           unit == 0x2060 || unit == 0xFEFF;
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0xFEFF;
 }
 
 /** The text from "<" or "{" to its counterpart, in small ASCII letters; empty if there is none. */

@@ -37,7 +37,8 @@ bool HasWideMark(const std::string& content)
 
 bool IsBlank(const StyledLine& line)
 {
-    return line.text.find_first_not_of(u" \u00A0\u3000") == std::u16string::npos;
+    return line.text.find_first_not_of(u" \u00A0\u3000\u00AD\u200B\u200C\u200D\u200E\u200F") ==
+           std::u16string::npos;
 }
 
 /** False if a line is no text in the encoding, or none shows anything; the report knows why. */
@@ -91,8 +92,10 @@ void ChooseFonts(Programme& programme, const FontSet& fonts, Report& report)
         for (CaptionLine& line : caption.lines) {
             line.font = common.missing.empty() ? common : fonts.Choose(line.styled.text);
             if (!line.font.missing.empty())
-                report.Warn({line.line, "no font has " + line.font.missing + ", shown as blanks",
-                             "name a font that has them with --font"});
+                report.Warn(
+                    {line.line,
+                     "no font has " + line.font.missing + ", shown as blanks or replacements",
+                     "name a font that has them with --font"});
         }
     }
 }

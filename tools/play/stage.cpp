@@ -1,7 +1,5 @@
 #include "stage.h"
 
-#include "layout.h"
-
 #include "engine_palette.h"
 
 #include <algorithm>
@@ -16,6 +14,8 @@ using zelxxx::MetricValue;
 using zelxxx::UInt16;
 using zelxxx::ZELObjPtr;
 
+/** What captions stand on; glyph edges on 8-bit displays fade towards it. 0xRRGGBB. */
+constexpr std::uint32_t caption_box_colour = 0x000000;
 constexpr std::uint32_t box_argb = 0xB0000000 | caption_box_colour;
 constexpr std::uint32_t track_argb = 0xB0000000;
 constexpr std::uint32_t bar_argb = 0xFFFFB030;
@@ -49,13 +49,40 @@ int EdgePadding(int font_size)
     return font_size / 4;
 }
 
+/** Lines of text stand this many pixels apart. */
+int LineHeight(int font_size)
+{
+    return font_size * 13 / 10;
+}
+
+/** Kept free at both ends of a text's lines. */
+int TextMargin(int font_size)
+{
+    return font_size / 2;
+}
+
+zelxxx::FlowStyle CaptionStyle(int font_size)
+{
+    zelxxx::FlowStyle style;
+    style.balanced = true;
+    style.korean_words = true;
+    style.shadow_x = style.shadow_y = static_cast<MetricValue>(font_size / 16 + 1);
+    style.shadow_blend = 255;
+    return style;
+}
+
 } // namespace
 
 Stage::Stage(const ScreenFormat& format)
     : _format(format), _font_size(std::clamp(format.height / 18, 8, largest_font)),
+      _formatter(format.mode), _ruler(zelxxx::zelCreateText(nullptr)),
       _captions(zelxxx::zelCreateLayer(nullptr)), _programme(zelxxx::zelCreateLayer(nullptr))
 {
     const bool indexed = format.mode == zelxxx::Color8Bit;
+    zelxxx::FlowStyle style = CaptionStyle(_font_size);
+    style.shadow_color = ColourValue(0x000000);
+    _formatter.SetStyle(style);
+    _formatter.SetGround(caption_box_colour);
     _scene = zelxxx::zelCreateScene(0, static_cast<MetricValue>(format.width),
                                     static_cast<MetricValue>(format.height), format.mode,
                                     zelxxx::SceneUseDoubleBuffer,
@@ -95,22 +122,37 @@ ZELObjPtr<IWidget> Stage::AddRectangle(zelxxx::ILayer* layer, std::uint32_t argb
     return rectangle;
 }
 
-Stage::Measured Stage::Measure(const CaptionLine& line) const
+/** 0xRRGGBB as widgets of the display take it. */
+zelxxx::ColorValue Stage::ColourValue(std::uint32_t rgb) const
 {
-    bool from_memory = false;
-    zelxxx::PResource resource = line.font.resource;
-    zelxxx::IFont* font = resource->OpenFont(line.font.index, from_memory);
+    if (_format.mode == zelxxx::Color8Bit)
+        return zelxxx::OSD_FindNearestColourIndex(0xFF000000 | rgb);
+    return static_cast<zelxxx::ColorValue>(SwappedColour(rgb));
+}
+
+void Stage::SetFont(zelxxx::IText* text, const CaptionLine& line, int width) const
+{
+    text->SwitchResource(line.font.resource);
+    text->SetAttribute(zelxxx::AttrFontIndex, line.font.index);
+    text->SetAttribute(zelxxx::AttrFontSize, _font_size);
+    text->SetAttribute(zelxxx::AttrLineHeight, LineHeight(_font_size));
+    text->SetAttribute(zelxxx::AttrTextFormat, zelxxx::TextWrap | zelxxx::TextAlignTop);
+    text->SetAttribute(zelxxx::AttrSpanX, width);
+}
+
+Stage::Measured Stage::Measure(const CaptionLine& line)
+{
     const int widest = _format.width - 2 * SideMargin(_format.width) - 2 * TextMargin(_font_size);
-    const std::vector<PlacedLine> rows =
-        LayOut(*font, static_cast<UInt16>(_font_size), line.styled.text, widest);
-    Measured measured = {&line, static_cast<int>(rows.size()), 0};
-    for (const PlacedLine& row : rows)
-        measured.width = std::max(measured.width, row.width);
-    return measured;
+    SetFont(_ruler, line, widest);
+    const std::u16string& text = line.styled.text;
+    const zelxxx::FlowLayout layout = _formatter.LayOut(
+        _ruler, text.data(), static_cast<zelxxx::UInt32>(text.size() * sizeof text[0]),
+        zelxxx::EncodingUnicode);
+    return {&line, static_cast<int>(layout.GetLineCount()), layout.GetWidth()};
 }
 
 std::vector<Stage::Measured> Stage::MeasureWhatFits(const std::vector<const Caption*>& captions,
-                                                    int room, int* dropped) const
+                                                    int room, int* dropped)
 {
     int rows = (room - 2 * EdgePadding(_font_size)) / LineHeight(_font_size);
     std::vector<Measured> fitting;
@@ -155,7 +197,7 @@ int Stage::Show(const std::vector<const Caption*>& captions, double progress)
         top += shown[i].rows * line_height;
     }
     for (std::size_t i = shown.size(); i < _slots.size(); ++i)
-        _slots[i].text->SetVisibility(false);
+        _slots[i]->SetVisibility(false);
 
     const int whole = _format.width - 2 * SideMargin(_format.width);
     _bar->SetAttribute(zelxxx::AttrSpanX,
@@ -166,28 +208,35 @@ int Stage::Show(const std::vector<const Caption*>& captions, double progress)
 void Stage::ShowLine(std::size_t slot, const Measured& measured, int left, int top, int width)
 {
     const CaptionLine& line = *measured.line;
-    Slot& at = SlotAt(slot);
-    at.formatter->SetColours(line.styled.colours);
-    at.text->SwitchResource(line.font.resource);
-    at.text->SetAttribute(zelxxx::AttrFontIndex, line.font.index);
-    at.text->SetAttribute(zelxxx::AttrFontSize, _font_size);
-    at.text->SetAttribute(zelxxx::AttrLineHeight, LineHeight(_font_size));
+    zelxxx::IText* const at = SlotAt(slot);
+    SetFont(at, line, width);
+    SetColours(line, at);
     // Descenders and shadows reach below the last line.
-    Place(at.text, left, top, width,
-          measured.rows * LineHeight(_font_size) + EdgePadding(_font_size));
+    Place(at, left, top, width, measured.rows * LineHeight(_font_size) + EdgePadding(_font_size));
     const std::u16string& text = line.styled.text;
-    at.text->SetText(text.data(), static_cast<zelxxx::UInt32>(text.size() * sizeof text[0]),
-                     zelxxx::EncodingUnicode, at.formatter.get());
-    at.text->SetVisibility(true);
+    at->SetText(text.data(), static_cast<zelxxx::UInt32>(text.size() * sizeof text[0]),
+                zelxxx::EncodingUnicode, &_formatter);
+    at->SetVisibility(true);
 }
 
-Stage::Slot& Stage::SlotAt(std::size_t index)
+void Stage::SetColours(const CaptionLine& line, zelxxx::IText* text)
+{
+    const std::vector<ColourRun>& colours = line.styled.colours;
+    std::vector<zelxxx::FlowColorRun> runs;
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        const std::size_t end =
+            i + 1 < colours.size() ? colours[i + 1].begin : line.styled.text.size();
+        runs.push_back({static_cast<zelxxx::UInt32>(colours[i].begin),
+                        static_cast<zelxxx::UInt32>(end), ColourValue(colours[i].rgb), 255});
+    }
+    _formatter.SetColors(runs.data(), static_cast<zelxxx::UInt32>(runs.size()), text);
+}
+
+zelxxx::IText* Stage::SlotAt(std::size_t index)
 {
     while (_slots.size() <= index) {
-        Slot& slot = _slots.emplace_back();
-        slot.formatter = std::make_unique<CaptionFormatter>(_format.mode);
-        slot.text = zelxxx::zelCreateText(nullptr);
-        _captions->AddWidget(slot.text);
+        _slots.emplace_back(zelxxx::zelCreateText(nullptr));
+        _captions->AddWidget(_slots.back());
     }
     return _slots[index];
 }

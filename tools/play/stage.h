@@ -3,10 +3,10 @@
  */
 #pragma once
 
-#include "formatter.h"
 #include "programme.h"
 
-#include <memory>
+#include "vrel_kestrin_flow.h"
+
 #include <vector>
 
 namespace kestrin_play {
@@ -34,13 +34,6 @@ public:
     int Show(const std::vector<const Caption*>& captions, double progress);
 
 private:
-    /** A text widget and its formatter, shown or waiting to be. */
-    struct Slot
-    {
-        std::unique_ptr<CaptionFormatter> formatter;
-        zelxxx::ZELObjPtr<zelxxx::IText> text;
-    };
-
     /** A line with the room it takes. */
     struct Measured
     {
@@ -51,20 +44,25 @@ private:
 
     void LoadPalette();
     zelxxx::ZELObjPtr<zelxxx::IWidget> AddRectangle(zelxxx::ILayer* layer, std::uint32_t argb);
-    Measured Measure(const CaptionLine& line) const;
+    zelxxx::ColorValue ColourValue(std::uint32_t rgb) const;
+    Measured Measure(const CaptionLine& line);
     std::vector<Measured> MeasureWhatFits(const std::vector<const Caption*>& captions, int room,
-                                          int* dropped) const;
+                                          int* dropped);
     void ShowLine(std::size_t slot, const Measured& measured, int left, int top, int width);
-    Slot& SlotAt(std::size_t index);
+    void SetFont(zelxxx::IText* text, const CaptionLine& line, int width) const;
+    void SetColours(const CaptionLine& line, zelxxx::IText* text);
+    zelxxx::IText* SlotAt(std::size_t index);
 
     const ScreenFormat _format;
     const int _font_size;
-    std::vector<Slot> _slots;
+    zelxxx::FlowFormatter _formatter;
+    zelxxx::ZELObjPtr<zelxxx::IText> _ruler;              ///< in no scene: for measuring
+    std::vector<zelxxx::ZELObjPtr<zelxxx::IText>> _slots; ///< shown or waiting to be
     zelxxx::PLayer _captions;
     zelxxx::PLayer _programme;
     zelxxx::ZELObjPtr<zelxxx::IWidget> _box;
     zelxxx::ZELObjPtr<zelxxx::IWidget> _bar;
-    // Last, so that it goes first: it ends the use of the formatters.
+    // Last, so that it goes first: it ends the use of the formatter.
     zelxxx::ZELObjPtr<zelxxx::IScene> _scene;
 };
 
