@@ -15,7 +15,7 @@ enum ExitCode
     ExitUsage = 2    ///< wrong arguments
 };
 
-/** A tool's main: what `run` throws is printed behind the tool's name and ends it with a problem. */
+/** A tool's main: what `run` throws is printed behind its name, and ends it with ExitProblem. */
 int RunTool(const char* name, int (*run)(int, char**), int argc, char** argv);
 
 /** Breaks a description into lines that leave room for the options' names. */
