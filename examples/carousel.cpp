@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -83,18 +84,26 @@ Spot SpotAt(double turn)
 class Card
 {
 public:
-    Card(Screen& screen, ILayer* ring, const Item& item) : _layer(zelCreateLayer(nullptr))
+    Card(Screen& screen, ILayer* ring, const Item& item)
+        : _formatter(screen.Formatter()), _layer(zelCreateLayer(nullptr))
     {
         Place(_layer, 0, kGround, kCardWidth, kCardHeight);
         _layer->SetAttribute(AttrOriginX, kCardWidth / 2);
         _layer->SetAttribute(AttrOriginY, kCardHeight);
         _frame = AddFace(0, 0, kCardWidth, kCardHeight, 0xffffff);
-        AddFace(5, 5, kCardWidth - 10, 141, item.color);
-        AddFace(5, 146, kCardWidth - 10, kCardHeight - 151, 0x3c2818);
-        _icon = AddLine(screen, _layer, 0, 8, kCardWidth, kIconSize, item.icon, _line);
-        _title = AddLine(screen, _layer, 0, 154, kCardWidth, kTitleSize, item.title, _line);
+        AddFace(5, 5, kCardWidth - 10, kFaceHeight, item.color);
+        AddFace(5, 5 + kFaceHeight, kCardWidth - 10, kStripHeight, 0x3c2818);
+        _icon = AddText(screen, item.icon, 84, 5 + kFaceHeight / 2);
+        _title = AddText(screen, item.title, 24, 5 + kFaceHeight + kStripHeight / 2);
         ring->AddWidget(_layer);
     }
+    ~Card()
+    {
+        _formatter.Forget(_icon.widget);
+        _formatter.Forget(_title.widget);
+    }
+    Card(const Card&) = delete;
+    Card& operator=(const Card&) = delete;
 
     void MoveTo(const Spot& spot, bool focused)
     {
@@ -102,16 +111,21 @@ public:
         _layer->SetAttribute(AttrPosZ, spot.z);
         _frame->SetVisibility(focused);
 
-        // Scales and fades stop at the glyphs: these are the formatter's, so they follow here.
         const double above = (kGround - kHorizon) * (1 - spot.Scale());
-        _line.SetOpacity(static_cast<BlendValue>(255 - 255 * above / kFadeHeight));
-        _line.SetWidth(static_cast<int>(kCardWidth * spot.Scale()));
-        _icon->SetAttribute(AttrFontSize, static_cast<int>(std::lround(kIconSize * spot.Scale())));
-        _title->SetAttribute(AttrFontSize,
-                             static_cast<int>(std::lround(kTitleSize * spot.Scale())));
+        const auto opacity = static_cast<BlendValue>(255 - 255 * above / kFadeHeight);
+        for (const Text& text : {_icon, _title})
+            Follow(text, spot.Scale(), opacity);
     }
 
 private:
+    struct Text
+    {
+        ZELObjPtr<IText> widget;
+        const char* words;
+        int size;   ///< of the font at the ring's front
+        int middle; ///< height in the card at which it stands
+    };
+
     /** A box that replaces what is beneath it: cards behind do not shine through a faded one. */
     ZELObjPtr<IWidget> AddFace(int x, int y, int width, int height, ColorValue color)
     {
@@ -120,14 +134,39 @@ private:
         return face;
     }
 
-    static constexpr int kIconSize = 84;
-    static constexpr int kTitleSize = 24;
+    Text AddText(Screen& screen, const char* words, int size, int middle)
+    {
+        return {AddLine(screen, _layer, 0, 0, kCardWidth, size, words, 0xffffff,
+                        TextAlignLeft | TextAlignTop),
+                words, size, middle};
+    }
 
-    OneLine _line = OneLine(OneLine::Centre); // outlives the texts
+    /**
+     * Scales and fades stop at the glyphs, which are the formatter's. It measures the text in its
+     * size on the screen, so that its box, which is scaled, can be put where its middle is right.
+     */
+    void Follow(const Text& text, double scale, BlendValue opacity)
+    {
+        text.widget->SetAttribute(AttrFontSize, static_cast<int>(std::lround(text.size * scale)));
+        const FlowColorRun faded = {0, UINT32_MAX, 0xffffff, opacity};
+        _formatter.SetColors(&faded, 1, text.widget);
+        const FlowLayout layout = _formatter.LayOut(
+            text.widget, text.words, static_cast<UInt32>(std::strlen(text.words)), EncodingUTF8);
+        const auto start = [&](int middle, int span) {
+            return static_cast<int>(std::lround(middle - span / scale / 2));
+        };
+        text.widget->SetAttribute(AttrPosX, start(kCardWidth / 2, layout.GetWidth()));
+        text.widget->SetAttribute(AttrPosY, start(text.middle, layout.GetHeight()));
+    }
+
+    static constexpr int kFaceHeight = 141;
+    static constexpr int kStripHeight = kCardHeight - 10 - kFaceHeight;
+
+    FlowFormatter& _formatter;
     ZELObjPtr<ILayer> _layer;
     ZELObjPtr<IWidget> _frame;
-    ZELObjPtr<IText> _icon;
-    ZELObjPtr<IText> _title;
+    Text _icon;
+    Text _title;
 };
 
 void AddEye(ILayer* ring)
@@ -154,16 +193,8 @@ double Eased(double part)
     return part * part * (3 - 2 * part);
 }
 
-void SetLine(IText* text, const char* utf8, OneLine& formatter)
-{
-    const std::string line = utf8;
-    text->SetText(line.data(), static_cast<UInt32>(line.size()), EncodingUTF8, &formatter);
-}
-
 void Show(Screen& screen)
 {
-    OneLine head(OneLine::Left, 0xe0e0e0);
-    OneLine hint(OneLine::Centre, 0xd0b090);
     std::vector<std::unique_ptr<Card>> cards;
     ZELObjPtr<IScene> scene(
         zelCreateScene(0, kWidth, kHeight, Color32Bit, SceneUseDoubleBuffer, BlendSrcOver));
@@ -172,9 +203,9 @@ void Show(Screen& screen)
     ZELObjPtr<ILayer> page(zelCreateLayer(nullptr));
     scene->AddLayer(page);
     AddBox(page, 0, 380, kWidth, 70, 0x34200f);
-    AddLine(screen, page, 40, 22, 300, 26, "Home", head);
-    AddLine(screen, page, 690, 22, 100, 26, "20:15", head);
-    ZELObjPtr<IText> text = AddLine(screen, page, 0, 400, kWidth, 20, "", hint);
+    AddLine(screen, page, 40, 22, 300, 26, "Home", 0xe0e0e0);
+    AddLine(screen, page, 690, 22, 100, 26, "20:15", 0xe0e0e0);
+    ZELObjPtr<IText> hint = AddLine(screen, page, 0, 400, kWidth, 20, "", 0xd0b090, 0);
 
     ZELObjPtr<ILayer> ring(zelCreateLayer(nullptr));
     scene->AddLayer(ring);
@@ -189,7 +220,7 @@ void Show(Screen& screen)
             const double front = static_cast<double>(item) + Eased(step / (kSteps + 1.0));
             for (std::size_t i = 0; i < cards.size(); ++i)
                 cards[i]->MoveTo(SpotAt(static_cast<double>(i) - front), resting && i == item);
-            SetLine(text, resting ? kItems[item].hint : "", hint);
+            SetLine(screen, hint, resting ? kItems[item].hint : "");
             frames.push_back({screen.Update(), resting ? kRestTime : kStepTime});
         }
     }

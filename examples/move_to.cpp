@@ -14,7 +14,6 @@ namespace {
 
 void Show(Screen& screen)
 {
-    OneLine title;
     ZELObjPtr<IScene> scene(zelCreateScene(0, screen.width, screen.height, Color32Bit,
                                            SceneUseDoubleBuffer, BlendSrcOver));
     ZELObjPtr<ILayer> overlay(zelCreateLayer(nullptr));
@@ -25,7 +24,7 @@ void Show(Screen& screen)
     overlay->AddWidget(banner);
     AddBox(banner, 0, 0, 1040, 120, 0x502818, 230);
     AddBox(banner, 0, 0, 12, 120, 0x30a0ff);
-    AddLine(screen, banner, 40, 30, 980, 36, "20:15   Next: the evening news", title);
+    AddLine(screen, banner, 40, 33, 980, 36, "20:15   Next: the evening news");
 
     ZELObjPtr<MoveToModifier> slide(new MoveToModifier);
     slide->SetAttribute(AttrPosX, 120);

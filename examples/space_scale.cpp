@@ -28,14 +28,12 @@ void Open(SpaceScaleModifier* space, int item, int scale)
 
 void Show(Screen& screen)
 {
-    OneLine titles;
-    OneLine hint(OneLine::Left, 0xc8c8c8);
     ZELObjPtr<IScene> scene(zelCreateScene(0, screen.width, screen.height, Color32Bit,
                                            SceneUseDoubleBuffer, BlendSrcOver));
     ZELObjPtr<ILayer> details(zelCreateLayer(nullptr));
     scene->AddLayer(details);
     ZELObjPtr<IText> text =
-        AddLine(screen, details, kLeft + 40, 0, 560, 24, "Brightness, contrast, colour", hint);
+        AddLine(screen, details, kLeft + 40, 0, 560, 24, "Brightness, contrast, colour", 0xc8c8c8);
     text->SetVisibility(false);
 
     ZELObjPtr<ILayer> menu(zelCreateLayer(nullptr));
@@ -46,7 +44,7 @@ void Show(Screen& screen)
         ZELObjPtr<ILayer> entry(zelCreateLayer(nullptr));
         Place(entry, kLeft, y, 600, kPitch - 6);
         AddBox(entry, 0, 0, 600, kPitch - 6, 0x603010, 230);
-        AddLine(screen, entry, 24, 8, 560, 32, item, titles);
+        AddLine(screen, entry, 24, 9, 560, 32, item);
         menu->AddWidget(entry);
         y += kPitch;
     }
@@ -56,14 +54,13 @@ void Show(Screen& screen)
     screen.Picture("1-closed");
 
     Open(space, 0, 2 * 256); // the band is twice as high: a gap of one pitch
-    text->SetAttribute(AttrPosY, kTop + kPitch + 10);
+    text->SetAttribute(AttrPosY, kTop + kPitch + 15);
     text->SetVisibility(true);
     screen.Picture("2-first-open");
 
     Open(space, 2, 2 * 256);
-    const char channels[] = "Search, sort, favourites";
-    text->SetText(channels, sizeof channels - 1, EncodingUTF8, &hint);
-    text->SetAttribute(AttrPosY, kTop + 3 * kPitch + 10);
+    SetLine(screen, text, "Search, sort, favourites");
+    text->SetAttribute(AttrPosY, kTop + 3 * kPitch + 15);
     screen.Picture("3-third-open");
 }
 

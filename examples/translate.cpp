@@ -30,14 +30,12 @@ constexpr int kRowHeight = 80;
 
 void Show(Screen& screen)
 {
-    OneLine times(OneLine::Left, 0x60c8ff);
-    OneLine titles;
     ZELObjPtr<IScene> scene(zelCreateScene(0, screen.width, screen.height, Color32Bit,
                                            SceneUseDoubleBuffer, BlendSrcOver));
     ZELObjPtr<ILayer> head(zelCreateLayer(nullptr));
     scene->AddLayer(head);
     AddBox(head, 160, 60, 960, 90, 0x804820);
-    AddLine(screen, head, 190, 76, 900, 40, "Tonight", titles);
+    AddLine(screen, head, 190, 76, 900, 40, "Tonight");
 
     ZELObjPtr<ILayer> page(zelCreateLayer(nullptr));
     Place(page, 160, 150, 960, 5 * kRowHeight); // shows five rows
@@ -45,8 +43,8 @@ void Show(Screen& screen)
     int y = 0;
     for (const Row& row : kRows) {
         AddBox(page, 0, y, 960, kRowHeight - 2, 0x402414, 230);
-        AddLine(screen, page, 30, y + 14, 150, 32, row.time, times);
-        AddLine(screen, page, 190, y + 14, 740, 32, row.title, titles);
+        AddLine(screen, page, 30, y + 14, 150, 32, row.time, 0x60c8ff);
+        AddLine(screen, page, 190, y + 14, 740, 32, row.title);
         y += kRowHeight;
     }
 

@@ -8,7 +8,7 @@
  * Takes the number of channels to scan (1 to 48, or 5) and a font file (or DejaVu Sans).
  */
 #include "vrel_kestrin_condition.h"
-#include "vrel_kestrin_graphic.h"
+#include "vrel_kestrin_flow.h"
 #include "vrel_kestrin_semaphore.h"
 #include "vrel_kestrin_thread.h"
 
@@ -162,28 +162,6 @@ private:
     const Show _show;
 };
 
-/** Puts the characters side by side from the widget's top left corner. */
-class OneLine : public ITextFormater
-{
-public:
-    void Format(IText* text, PtrWChar units, UInt32 length) override
-    {
-        const UInt16 size = static_cast<UInt16>(text->GetAttribute(AttrFontSize));
-        IFont* font = text->GetFont();
-        Int32 pen = 0;
-        text->AddColorInfo(255, 220, 120, 255);
-        for (UInt32 i = 0; i < length; ++i) {
-            const Int32 x = font->NoScaleFontUnitsToPixelsInCalculate(pen, 100, 100);
-            text->AddCharInfo(static_cast<Int16>(x), 0, 0, units[i]);
-            pen += font->GetFTNoScaleCharMetricsX(units[i], size, FontRegular);
-        }
-    }
-    void GetCharBuffer(const CharMetrics*, ColorValue, BlendValue, PtrSChar) override
-    {
-        // Asked for on 8-bit displays only.
-    }
-};
-
 void Place(IDynamic* widget, int x, int y, int width, int height)
 {
     widget->SetAttribute(AttrPosX, x);
@@ -229,7 +207,7 @@ int main(int argc, char** argv)
     bool scanned = false;
     zelInitialize(1280, 720, Color32Bit);
     {
-        OneLine formatter;
+        FlowFormatter formatter(Color32Bit);
         ZELObjPtr<IScene> scene(
             zelCreateScene(0, 1280, 720, Color32Bit, SceneUseDoubleBuffer, BlendSrcOver));
         ZELObjPtr<ILayer> layer(zelCreateLayer(nullptr));
@@ -245,6 +223,8 @@ int main(int argc, char** argv)
         Place(text, 350, 575, 600, 60);
         text->SetAttribute(AttrFontIndex, 1);
         text->SetAttribute(AttrFontSize, 44);
+        text->SetAttribute(AttrTextFormat, TextAlignLeft);
+        text->SetAttribute(AttrColor, 0x78dcff);
         layer->AddWidget(text);
         zelUpdateScreen(true, false);
 

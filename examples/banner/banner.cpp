@@ -6,13 +6,14 @@
  * The directory has the pictures: PNG files for a display of 32 bits, image files and banner.pal
  * for one of 8 bits, as scripts/demo makes them. Each step turns the icon and moves the bar.
  */
-#include "vrel_kestrin_graphic.h"
+#include "vrel_kestrin_flow.h"
 
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,7 +28,12 @@ struct Colour
 {
     int red, green, blue;
 
-    ColorValue LowRed() const { return static_cast<ColorValue>(blue << 16 | green << 8 | red); }
+    AttrValue LowRed() const { return blue << 16 | green << 8 | red; }
+    static Colour Of(ColorValue low_red)
+    {
+        return {static_cast<UInt8>(low_red), static_cast<UInt8>(low_red >> 8),
+                static_cast<UInt8>(low_red >> 16)};
+    }
 };
 
 constexpr Colour white = {255, 255, 255};
@@ -58,71 +64,46 @@ UInt8 Nearest(const Colour& colour)
     return static_cast<UInt8>(best);
 }
 
-/** One line from the widget's top left corner, or in the middle of its top. */
-class OneLine : public ITextFormater
+/**
+ * Text on the banner. The edges of its glyphs fade into the ground in the colours of the banner's
+ * own palette; by itself the formatter knows the engine's only.
+ */
+class BannerFormatter : public FlowFormatter
 {
 public:
-    OneLine(const Colour& colour, ColorMode mode, bool centred = false)
-        : _colour(colour), _mode(mode), _centred(centred)
-    {
-    }
+    using FlowFormatter::FlowFormatter;
 
-    void Format(IText* text, PtrWChar units, UInt32 length) override
-    {
-        IFont* font = text->GetFont();
-        if (!font)
-            return;
-        const auto size = static_cast<UInt16>(text->GetAttribute(AttrFontSize));
-        const auto pixels = [&](Int32 pen) {
-            return font->NoScaleFontUnitsToPixelsInCalculate(pen, 100, 100);
-        };
-        Int32 width = 0;
-        for (UInt32 i = 0; i < length; ++i)
-            width += font->GetFTNoScaleCharMetricsX(units[i], size, FontRegular);
-        const Int32 left =
-            _centred ? (text->GetAttribute(AttrSpanX) - pixels(width)) / 2 : Int32{0};
-
-        if (_mode == Color8Bit)
-            text->AddColorIndex(Nearest(_colour));
-        else
-            text->AddColorInfo(static_cast<UInt8>(_colour.red), static_cast<UInt8>(_colour.green),
-                               static_cast<UInt8>(_colour.blue), 255);
-        Int32 pen = 0;
-        for (UInt32 i = 0; i < length; ++i) {
-            text->AddCharInfo(static_cast<Int16>(left + pixels(pen)), 0, 0, units[i]);
-            pen += font->GetFTNoScaleCharMetricsX(units[i], size, FontRegular);
-        }
-    }
-
-    void GetCharBuffer(const CharMetrics* glyph, ColorValue, BlendValue, PtrSChar buffer) override
+    void GetCharBuffer(const CharMetrics* glyph, ColorValue colour, BlendValue,
+                       PtrSChar buffer) override
     {
         if (!glyph->buffer)
             return;
-        if (!_ramp_made)
-            MakeRamp();
+        const auto known = _ramps.find(colour);
+        const Ramp& ramp = known != _ramps.end()
+                               ? known->second
+                               : _ramps.emplace(colour, MakeRamp(Colour::Of(colour))).first->second;
         for (int i = 0; i < glyph->width * glyph->height; ++i)
-            buffer[i] = static_cast<SChar>(_ramp[glyph->buffer[i]]);
+            buffer[i] = static_cast<SChar>(ramp[glyph->buffer[i]]);
     }
 
 private:
+    using Ramp = std::array<UInt8, 256>;
+
     /** From the ground's colour to the text's; coverage that is hardly seen draws nothing. */
-    void MakeRamp()
+    static Ramp MakeRamp(const Colour& colour)
     {
         constexpr int least = 24;
+        Ramp ramp = {};
         for (int i = least; i < 256; ++i) {
             const auto mixed = [=](int from, int to) { return from + (to - from) * i / 255; };
-            _ramp[static_cast<std::size_t>(i)] =
-                Nearest({mixed(ground.red, _colour.red), mixed(ground.green, _colour.green),
-                         mixed(ground.blue, _colour.blue)});
+            ramp[static_cast<std::size_t>(i)] =
+                Nearest({mixed(ground.red, colour.red), mixed(ground.green, colour.green),
+                         mixed(ground.blue, colour.blue)});
         }
-        _ramp_made = true;
+        return ramp;
     }
 
-    const Colour _colour;
-    const ColorMode _mode;
-    const bool _centred;
-    std::array<UInt8, 256> _ramp = {};
-    bool _ramp_made = false;
+    std::map<ColorValue, Ramp> _ramps;
 };
 
 template <class Widget>
@@ -233,13 +214,16 @@ private:
         return sprite;
     }
 
+    AttrValue ValueOf(const Colour& colour) const
+    {
+        return _mode == Color8Bit ? Nearest(colour) : colour.LowRed();
+    }
+
     ZELObjPtr<IWidget> AddRectangle(const Colour& colour, int x, int y, int width, int height)
     {
         ZELObjPtr<IWidget> rectangle(zelCreateRectangle(nullptr));
         Place(rectangle, x, y, width, height);
-        rectangle->SetAttribute(
-            AttrColor,
-            static_cast<AttrValue>(_mode == Color8Bit ? Nearest(colour) : colour.LowRed()));
+        rectangle->SetAttribute(AttrColor, ValueOf(colour));
         _layer->AddWidget(rectangle);
         return rectangle;
     }
@@ -250,33 +234,35 @@ private:
         AddSprite(Load("photo"), 936, 492, 256, 144)->SetAttribute(AttrBlendMode, BlendSrcCopy);
     }
 
-    void AddText(OneLine& line, const std::string& words, int font, int size, int x, int y,
-                 int width)
+    void AddText(const Colour& colour, TextFormat side, const std::string& words, int font,
+                 int size, int x, int y, int width)
     {
         const ZELObjPtr<IText> text(zelCreateText(_fonts));
         Place(text, x, y, width, size * 3 / 2);
         text->SetAttribute(AttrFontIndex, font);
         text->SetAttribute(AttrFontSize, size);
-        text->SetText(words.data(), static_cast<UInt32>(words.size()), EncodingUTF8, &line);
+        text->SetAttribute(AttrTextFormat, side);
+        text->SetAttribute(AttrColor, ValueOf(colour));
+        text->SetText(words.data(), static_cast<UInt32>(words.size()), EncodingUTF8, &_formatter);
         _layer->AddWidget(text);
     }
 
     void AddTexts()
     {
         constexpr int regular = 1, bold = 2;
-        AddText(_title, "Lakes of the North", bold, 42, 256, 484, 530);
-        AddText(_detail, "20:15 – 21:00   Nature film, part 2 of 4", regular, 24, 256, 543, 530);
-        AddText(_accent, "Next", bold, 24, 256, 605, 80);
-        AddText(_title, "21:00   Winter Nights", regular, 24, 336, 605, 450);
-        AddText(_middle, "14 °C", bold, 28, 786, 582, 128);
-        AddText(_middle_detail, "Inari", regular, 22, 786, 615, 128);
-        AddText(_middle, "20:42", bold, 34, 1072, 48, 144);
+        constexpr TextFormat left = TextAlignLeft, middle = TextAlignCenter;
+        AddText(white, left, "Lakes of the North", bold, 42, 256, 490, 530);
+        AddText(pale, left, "20:15 – 21:00   Nature film, part 2 of 4", regular, 24, 256, 547, 530);
+        AddText(amber, left, "Next", bold, 24, 256, 608, 80);
+        AddText(white, left, "21:00   Winter Nights", regular, 24, 336, 608, 450);
+        AddText(white, middle, "14 °C", bold, 28, 786, 585, 128);
+        AddText(pale, middle, "Inari", regular, 22, 786, 619, 128);
+        AddText(white, middle, "20:42", bold, 34, 1072, 51, 144);
     }
 
     const std::string _directory;
     const ColorMode _mode;
-    OneLine _title{white, _mode}, _detail{pale, _mode}, _accent{amber, _mode};
-    OneLine _middle{white, _mode, true}, _middle_detail{pale, _mode, true};
+    BannerFormatter _formatter{_mode}; // outlives the texts
     ZELObjPtr<IScene> _scene;
     PLayer _layer;
     PResource _fonts;

@@ -42,10 +42,12 @@ Screen::Screen(std::string picture_folder, MetricValue screen_width, MetricValue
         throw std::runtime_error("DFBARGS chooses the display; unset it to have pictures");
     zelInitialize(width, height, Color32Bit);
     _fonts = zelOpenResource("DejaVu Sans", _font.data(), static_cast<int>(_font.size()));
+    _formatter = std::make_unique<FlowFormatter>(Color32Bit);
 }
 
 Screen::~Screen()
 {
+    _formatter = nullptr; // its layouts hold the font
     _fonts = nullptr;
     zelUninitialize();
     std::error_code ignored;
@@ -81,28 +83,6 @@ int RunExample(int argc, char** argv, void (*show)(Screen& screen), MetricValue 
     }
 }
 
-void OneLine::Format(IText* text, PtrWChar units, UInt32 length)
-{
-    const auto size = static_cast<UInt16>(text->GetAttribute(AttrFontSize));
-    IFont* font = text->GetFont();
-    const auto pixels = [&](Int32 pen) {
-        return font->NoScaleFontUnitsToPixelsInCalculate(pen, 100, 100);
-    };
-    Int32 whole = 0;
-    for (UInt32 i = 0; i < length; ++i)
-        whole += font->GetFTNoScaleCharMetricsX(units[i], size, FontRegular);
-    const int width = _width > 0 ? _width : text->GetAttribute(AttrSpanX);
-    const Int32 start = _side == Centre ? (width - pixels(whole)) / 2 : 0;
-
-    text->AddColorInfo(static_cast<UInt8>(_color), static_cast<UInt8>(_color >> 8),
-                       static_cast<UInt8>(_color >> 16), _opacity);
-    Int32 pen = 0;
-    for (UInt32 i = 0; i < length; ++i) {
-        text->AddCharInfo(static_cast<Int16>(start + pixels(pen)), 0, 0, units[i]);
-        pen += font->GetFTNoScaleCharMetricsX(units[i], size, FontRegular);
-    }
-}
-
 void Place(IWidget* widget, int x, int y, int width, int height)
 {
     widget->SetAttribute(AttrPosX, x);
@@ -123,15 +103,23 @@ ZELObjPtr<IWidget> AddBox(ILayer* layer, int x, int y, int width, int height, Co
 }
 
 ZELObjPtr<IText> AddLine(Screen& screen, ILayer* layer, int x, int y, int width, int font_size,
-                         const std::string& utf8, OneLine& formatter)
+                         const std::string& utf8, ColorValue color, AttrValue format)
 {
     ZELObjPtr<IText> text(zelCreateText(screen.Fonts()));
     Place(text, x, y, width, font_size * 3 / 2);
     text->SetAttribute(AttrFontIndex, 1);
     text->SetAttribute(AttrFontSize, font_size);
-    text->SetText(utf8.data(), static_cast<UInt32>(utf8.size()), EncodingUTF8, &formatter);
+    text->SetAttribute(AttrLineHeight, 0); // as the font has it
+    text->SetAttribute(AttrTextFormat, format);
+    text->SetAttribute(AttrColor, static_cast<AttrValue>(color));
+    SetLine(screen, text, utf8);
     layer->AddWidget(text);
     return text;
+}
+
+void SetLine(Screen& screen, IText* text, const std::string& utf8)
+{
+    text->SetText(utf8.data(), static_cast<UInt32>(utf8.size()), EncodingUTF8, &screen.Formatter());
 }
 
 } // namespace kestrin_examples

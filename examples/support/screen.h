@@ -11,8 +11,9 @@
 #pragma once
 
 #include "argb_image.h"
-#include "vrel_kestrin_graphic.h"
+#include "vrel_kestrin_flow.h"
 
+#include <memory>
 #include <string>
 
 namespace kestrin_examples {
@@ -30,6 +31,8 @@ public:
 
     /** DejaVu Sans, for text widgets. */
     zelxxx::IResource* Fonts() const { return _fonts; }
+    /** Lays out all text of the screen, which is to be gone when the screen ends. */
+    zelxxx::FlowFormatter& Formatter() const { return *_formatter; }
 
     /** Brings the screen up to date, and returns what the display then shows, with its opacity. */
     kestrin_display::ArgbImage Update();
@@ -44,7 +47,8 @@ private:
     const std::string _file;
     std::string _font;
     zelxxx::PResource _fonts; // of the bytes in _font
-    bool _complete = false;   // whether the whole screen has been painted once
+    std::unique_ptr<zelxxx::FlowFormatter> _formatter;
+    bool _complete = false; // whether the whole screen has been painted once
 };
 
 /**
@@ -55,40 +59,6 @@ private:
 int RunExample(int argc, char** argv, void (*show)(Screen& screen),
                zelxxx::MetricValue width = 1280, zelxxx::MetricValue height = 720);
 
-/** Places characters side by side in the middle of a text widget, or from its left edge on. */
-class OneLine : public zelxxx::ITextFormater
-{
-public:
-    enum Side
-    {
-        Left,
-        Centre
-    };
-
-    explicit OneLine(Side side = Left, zelxxx::ColorValue color = 0xffffff)
-        : _side(side), _color(color)
-    {
-    }
-
-    /** Glyphs have an opacity of their own, which neither layers nor modifiers change. */
-    void SetOpacity(zelxxx::BlendValue opacity) { _opacity = opacity; }
-    /** Width of the line in which the text is centred; the widget's span if never called. */
-    void SetWidth(int width) { _width = width; }
-
-    void Format(zelxxx::IText* text, zelxxx::PtrWChar units, zelxxx::UInt32 length) override;
-    /** Never called: these screens are not 8-bit displays. */
-    void GetCharBuffer(const zelxxx::CharMetrics*, zelxxx::ColorValue, zelxxx::BlendValue,
-                       zelxxx::PtrSChar) override
-    {
-    }
-
-private:
-    const Side _side;
-    const zelxxx::ColorValue _color;
-    zelxxx::BlendValue _opacity = 255;
-    int _width = 0;
-};
-
 /** Gives a widget its position and span. */
 void Place(zelxxx::IWidget* widget, int x, int y, int width, int height);
 
@@ -96,9 +66,17 @@ void Place(zelxxx::IWidget* widget, int x, int y, int width, int height);
 zelxxx::ZELObjPtr<zelxxx::IWidget> AddBox(zelxxx::ILayer* layer, int x, int y, int width,
                                           int height, zelxxx::ColorValue color, int opacity = 255);
 
-/** A line of UTF-8 in a layer; its box is a half higher than its font. */
+/**
+ * A line of UTF-8 in a layer, in the middle of a box that is a half higher than its font.
+ *
+ * @param format  from the left edge on, in the middle with 0, or any other TextFormat bits
+ */
 zelxxx::ZELObjPtr<zelxxx::IText> AddLine(Screen& screen, zelxxx::ILayer* layer, int x, int y,
                                          int width, int font_size, const std::string& utf8,
-                                         OneLine& formatter);
+                                         zelxxx::ColorValue color = 0xffffff,
+                                         zelxxx::AttrValue format = zelxxx::TextAlignLeft);
+
+/** Changes such a line. */
+void SetLine(Screen& screen, zelxxx::IText* text, const std::string& utf8);
 
 } // namespace kestrin_examples

@@ -127,6 +127,28 @@ int RunOf(const ArgbImage& image, int x, int y, std::uint32_t color)
     return right - left;
 }
 
+/** A half-open box. */
+struct Box
+{
+    int left, top, right, bottom;
+
+    double Middle() const { return (left + right) / 2.0; }
+};
+
+/** What is at least so light in a part of a picture; turned inside out if nothing is. */
+Box LightIn(const ArgbImage& image, const Box& part, double least)
+{
+    Box found = {part.right, part.bottom, part.left, part.top};
+    for (int y = part.top; y < part.bottom; ++y) {
+        for (int x = part.left; x < part.right; ++x) {
+            if (Channel(image.At(x, y), 8) >= least)
+                found = {std::min(found.left, x), std::min(found.top, y),
+                         std::max(found.right, x + 1), std::max(found.bottom, y + 1)};
+        }
+    }
+    return found;
+}
+
 class Carousel : public testing::Test
 {
 protected:
@@ -192,6 +214,45 @@ TEST_F(Carousel, ShrinksAndFadesWhatIsFartherBack)
         EXPECT_PRED2(Alike, Rest(item).At(static_cast<int>(back.x), y),
                      back.Faded(kFaces[(item + 3) % 8]))
             << item;
+}
+
+TEST_F(Carousel, TextStandsWholeInTheMiddleOfItsCard)
+{
+    for (std::size_t item = 0; item < std::size(kFaces); ++item) {
+        SCOPED_TRACE(item);
+        const Box title = LightIn(Rest(item), {323, 281, 477, 332}, 128);
+        EXPECT_NEAR(title.Middle(), 400, 2);
+        EXPECT_NEAR(title.top, 296, 1) << "capitals, 24 * 0.73 pixels above the baseline";
+        EXPECT_GE(title.bottom, 313);
+        const Box icon = LightIn(Rest(item), {323, 140, 477, 279}, 225);
+        EXPECT_NEAR(icon.Middle(), 400, 2);
+        EXPECT_NEAR((icon.top + icon.bottom) / 2.0, 139 + 141 / 2.0, 7);
+        EXPECT_GT(icon.bottom - icon.top, 40);
+    }
+}
+
+TEST_F(Carousel, TextShrinksAndFadesWithItsCard)
+{
+    for (const int turn : {1, 3}) {
+        const Seen seen(turn);
+        const auto up = [&](int pixels) {
+            return static_cast<int>(seen.ground - pixels * seen.scale);
+        };
+        const auto x = [&](int pixels) { return static_cast<int>(seen.x + pixels * seen.scale); };
+        for (std::size_t item = 0; item < std::size(kFaces); ++item) {
+            SCOPED_TRACE(testing::Message() << item << " turned by " << turn);
+            const std::uint32_t face =
+                seen.Faded(kFaces[(item + static_cast<std::size_t>(turn)) % 8]);
+            // As light as the glyphs are over their face, which has faded before.
+            const double ink = 255 * seen.opacity + Channel(face, 8) * (1 - seen.opacity);
+            const Box part = {x(-70), up(195), x(70), up(65)};
+            const Box icon = LightIn(Rest(item), part, ink - 10);
+            EXPECT_NEAR(icon.Middle(), seen.x, 3);
+            EXPECT_LT(icon.right - icon.left, 66 * seen.scale + 2);
+            const Box lighter = LightIn(Rest(item), part, ink + 20);
+            EXPECT_GT(lighter.left, lighter.right) << "lighter than its opacity allows";
+        }
+    }
 }
 
 TEST_F(Carousel, MovesInEveryFrameAndOnlyWhereTheCardsAre)
