@@ -15,6 +15,7 @@
  * AttrFontIndex, AttrFontSize, AttrFontScalerMolecule and AttrFontScalerDenominator,
  * AttrLineHeight (0 stands for the font's own), AttrLetterSpace, AttrColor, AttrCursorIndex,
  * AttrSpanX and AttrSpanY. Of contradicting bits left goes before right and top before bottom.
+ * A new widget's AttrLineHeight is 16: set it for larger fonts, or their tops may be cut off.
  *
  *     TextWrap         lines are broken at the box's width; inside words only where nothing else
  *                      fits, never inside a character with its marks
