@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <cwchar>
 
 /** A pixel that is in the buffer. */
 inline U32BIT* PixelAt(S32BIT x, S32BIT y)
@@ -34,10 +35,16 @@ struct WordBlock
     U32BIT words[Count];
 };
 
+/** From here on a call pays, since the C library has the processor's widest stores. */
+constexpr std::size_t kLongRow = 48;
+
 /** Fills neighbouring pixels of a row. */
 inline void FillWords(U32BIT* to, std::size_t count, U32BIT colour)
 {
-    if (count >= 8) {
+    if (count >= kLongRow) {
+        static_assert(sizeof(wchar_t) == sizeof colour, "words are wide characters");
+        std::wmemset(reinterpret_cast<wchar_t*>(to), static_cast<wchar_t>(colour), count);
+    } else if (count >= 8) {
         // The first and the last block lie anywhere and overlap the others, which are aligned:
         // stores across cache lines cost half as much again.
         const WordBlock<8> block(colour);
