@@ -145,11 +145,8 @@ int Run(int argc, char** argv)
         "info", "Prints what is in an image file, and all damage for which it would not be shown.");
     info->add_option("file", arguments.file, "The image file")->required()->type_name("FILE");
     info->footer("Example:\n  kestrin-image info logo.img");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitDone : ExitUsage;
-    }
+    if (const auto end = kestrin_tools::Parse(app, argc, argv))
+        return *end;
     if (make->parsed())
         Make(arguments);
     else if (show->parsed())

@@ -57,11 +57,8 @@ int Run(int argc, char** argv)
                   "fnt:FILE for each,\nFILE relative to the directory of the index file. Programs "
                   "reach the fonts 1 and 2.\n\nExample:\n"
                   "  kestrin-index check fonts/index.txt");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitDone : ExitUsage;
-    }
+    if (const auto end = kestrin_tools::Parse(app, argc, argv))
+        return *end;
     return Check(file);
 }
 

@@ -187,11 +187,8 @@ int Run(int argc, char** argv)
     CLI::App* info = app.add_subcommand("info", "Prints what is in a palette file.");
     info->add_option("file", arguments.file, "The palette file")->required()->type_name("FILE");
     info->footer("Example:\n  kestrin-palette info banner.pal");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitDone : ExitUsage;
-    }
+    if (const auto end = kestrin_tools::Parse(app, argc, argv))
+        return *end;
     if (make->parsed())
         Make(arguments);
     else if (show->parsed())

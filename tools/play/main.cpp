@@ -25,13 +25,6 @@ namespace fs = std::filesystem;
 using namespace kestrin_play;
 using kestrin_tools::Wrapped;
 
-enum ExitCode
-{
-    ExitPlayed = 0,
-    ExitNothingPlayed = 1,
-    ExitUsage = 2
-};
-
 struct Arguments
 {
     std::string size;
@@ -250,14 +243,14 @@ int Play(const Arguments& arguments)
     if (programme.empty()) {
         std::cerr << arguments.file
                   << ": no cue to play; name a SubRip file (.srt) and its --encoding\n";
-        return ExitNothingPlayed;
+        return kestrin_tools::ExitProblem;
     }
     // Static, since a failure of DirectFB ends the process without coming back here.
     static const TemporaryDirectory temporary;
     const ScreenFormat format = Format(arguments);
     const PlayResult result = PlayOnDisplay(arguments, format, temporary, programme, report);
     PrintSummary(arguments, format, result, report);
-    return ExitPlayed;
+    return kestrin_tools::ExitDone;
 }
 
 int Run(int argc, char** argv)
@@ -265,11 +258,8 @@ int Run(int argc, char** argv)
     Arguments arguments;
     CLI::App app("Shows a SubRip file on the display.", "kestrin-play");
     Declare(app, arguments);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitPlayed : ExitUsage;
-    }
+    if (const auto end = kestrin_tools::Parse(app, argc, argv))
+        return *end;
     std::signal(SIGINT, RequestStop);
     std::signal(SIGTERM, RequestStop);
     return Play(arguments);

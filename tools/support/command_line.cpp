@@ -4,6 +4,8 @@
 #include <exception>
 #include <sstream>
 
+#include <CLI/CLI.hpp>
+
 namespace kestrin_tools {
 
 int RunTool(const char* name, int (*run)(int, char**), int argc, char** argv)
@@ -14,6 +16,16 @@ int RunTool(const char* name, int (*run)(int, char**), int argc, char** argv)
         std::fprintf(stderr, "%s: %s\n", name, error.what());
         return ExitProblem;
     }
+}
+
+std::optional<int> Parse(CLI::App& app, int argc, char** argv)
+{
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? ExitDone : ExitUsage;
+    }
+    return std::nullopt;
 }
 
 std::string Wrapped(const std::string& text)

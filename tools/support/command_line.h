@@ -3,7 +3,12 @@
  */
 #pragma once
 
+#include <optional>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace kestrin_tools {
 
@@ -17,6 +22,9 @@ enum ExitCode
 
 /** A tool's main: what `run` throws is printed behind its name, and ends it with ExitProblem. */
 int RunTool(const char* name, int (*run)(int, char**), int argc, char** argv);
+
+/** Parses a command line; how the tool ends if that is all, for help or for wrong arguments. */
+std::optional<int> Parse(CLI::App& app, int argc, char** argv);
 
 /** Breaks a description into lines that leave room for the options' names. */
 std::string Wrapped(const std::string& text);
