@@ -35,6 +35,10 @@ typedef struct _IDirectFB IDirectFB;
 /** A surface of DirectFB's. */
 typedef struct _IDirectFBSurface IDirectFBSurface;
 
+/**
+ * The engine and its toolkit. Outside are only the drawing primitives (DLA_ and MHEG5_) and the
+ * classes of the operating system (Vrel_).
+ */
 namespace zelxxx {
 
 typedef int8_t Int8;     /**< signed, 8 bits */
