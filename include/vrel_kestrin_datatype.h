@@ -171,7 +171,7 @@ enum SceneOption : Int32
     SceneUseFlipping = 1,     /**< paint whole frames into the view and flip, at most every 20 ms */
     SceneUseDirtyRectangles = 2, /**< accepted; the update cycle always works by rectangles */
     SceneUseDirtyBuffer = 4,     /**< accepted, no effect */
-    SceneUseSingleBuffer = 8     /**< paint straight into the view; with flipping, flips unpaced */
+    SceneUseSingleBuffer = 8     /**< paint straight into the view */
 };
 
 /** Style bits handed to font requests. A font looks as its file does: no style is drawn. */

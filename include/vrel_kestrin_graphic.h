@@ -106,7 +106,7 @@ KESTRIN_EXPORT void zelReleaseOSD();
  * Brings the screen up to date: IScene::Update of every scene, the newest first.
  *
  * @param force  repaint everything, not only what changed
- * @param wait   whether flipping scenes wait for their 20 ms, or are left out
+ * @param wait   whether flipping scenes wait for their 20 ms, or are left out: see IScene::Update
  */
 KESTRIN_EXPORT void zelUpdateScreen(bool force, bool wait);
 /**
@@ -288,8 +288,9 @@ public:
      * out, and clears, paints and shows what changed. Returns at once when nothing did.
      *
      * @param force  repaint everything, not only what is marked changed
-     * @param wait   a flipping scene that was shown less than 20 ms ago waits, busily, instead of
-     *               skipping this update. Single-buffer scenes are not paced
+     * @param wait   less than 20 ms after a flipping scene was shown, this one or another, a
+     *               flipping scene waits, busily, instead of skipping this update. Those of
+     *               single-buffer scenes do not count
      */
     virtual void Update(bool force, bool wait) = 0;
     /** A disabled scene ignores Update, also when forced. @param enabled  true at first */
