@@ -736,8 +736,8 @@ public:
                           UInt32 font_scaler_denominator) = 0;
     /**
      * On an 8-bit canvas in BlendSrcOver8BIT mode: blends palette indices onto the pixels. A glyph
-     * that crosses the clip rectangle's right edge is dropped whole; the origin is left out of that
-     * test, but for widgets of a scene.
+     * is dropped whole where `left` plus its width, less its bearing, passes the clip rectangle's
+     * right edge; the origin is left out of that test, but for widgets of a scene.
      *
      * @param buffer        `height` rows of `width` palette indices of the glyph, without padding
      * @param char_metrics  size and bearings of the glyph
