@@ -35,11 +35,18 @@ typedef struct _IDirectFB IDirectFB;
 /** A surface of DirectFB's. */
 typedef struct _IDirectFBSurface IDirectFBSurface;
 
+/** @} */
+
 /**
  * The engine and its toolkit. Outside are only the drawing primitives (DLA_ and MHEG5_) and the
  * classes of the operating system (Vrel_).
  */
 namespace zelxxx {
+
+/**
+ * @addtogroup types
+ * @{
+ */
 
 typedef int8_t Int8;     /**< signed, 8 bits */
 typedef uint8_t UInt8;   /**< unsigned, 8 bits */
@@ -338,6 +345,6 @@ struct PaletteEntry
     UInt8 blending; /**< opacity: 0 transparent to 255 opaque */
 };
 
-} // namespace zelxxx
-
 /** @} */
+
+} // namespace zelxxx
