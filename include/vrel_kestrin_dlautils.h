@@ -46,11 +46,11 @@ typedef uint8_t U8BIT;   /**< unsigned, 8 bits */
 typedef U8BIT BOOLEAN;   /**< TRUE or FALSE */
 
 #ifndef FALSE
-/** No. */
+/** The answer before a successful DLA_Init. */
 #define FALSE 0
 #endif
 #ifndef TRUE
-/** Yes. */
+/** The answer when it was drawn, or there was nothing to draw. */
 #define TRUE 1
 #endif
 
