@@ -1,5 +1,11 @@
 /**
+ * @file
  * A condition: threads wait with a mutex in hand until another thread signals.
+ *
+ * Ownership: the client makes and deletes the objects. A condition uses a mutex of the client's,
+ * which outlives it.
+ *
+ * Threads: any thread may call any function.
  *
  * Two things surprise:
  *
@@ -21,6 +27,11 @@
 #pragma once
 
 #include "vrel_kestrin_mutex.h"
+
+/**
+ * @addtogroup os
+ * @{
+ */
 
 /** What a condition does. */
 class KESTRIN_EXPORT Vrel_ICondition
@@ -48,7 +59,7 @@ public:
 class KESTRIN_EXPORT Vrel_Condition : public Vrel_ICondition
 {
 public:
-    /** @param lock  the one mutex this condition is used with; outlives the condition */
+    /** Nobody waits. @param lock  the one mutex it is used with; outlives the condition */
     explicit Vrel_Condition(Vrel_Mutex& lock);
     ~Vrel_Condition() override;
     Vrel_Condition(const Vrel_Condition&) = delete;
@@ -61,3 +72,5 @@ public:
 private:
     Vrel_ICondition* m_Delegate; /**< owned */
 };
+
+/** @} */

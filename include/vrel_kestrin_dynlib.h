@@ -1,5 +1,11 @@
 /**
+ * @file
  * Libraries that are loaded while the program runs.
+ *
+ * Ownership: Load makes an object that the caller deletes. The symbols it finds belong to the
+ * loaded library.
+ *
+ * Threads: any thread may call any function, but not two with one object.
  *
  * Two things surprise:
  *
@@ -12,6 +18,11 @@
 
 #include "vrel_kestrin_datatype.h"
 #include "vrel_kestrin_scalar.h"
+
+/**
+ * @addtogroup os
+ * @{
+ */
 
 /** What a loaded library does. */
 class KESTRIN_EXPORT Vrel_IDynLib
@@ -59,3 +70,5 @@ private:
 
     Vrel_IDynLib* delegate; /**< owned */
 };
+
+/** @} */

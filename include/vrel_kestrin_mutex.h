@@ -1,8 +1,13 @@
 /**
+ * @file
  * A mutex, for clients with threads of their own. The engine itself has one thread and locks
  * nothing.
  *
  * Results are 0 for success and 0x80004005 for failure, except where a function says otherwise.
+ *
+ * Ownership: the client makes and deletes the objects. They have no reference count.
+ *
+ * Threads: any thread may call any function.
  *
  * Two things surprise:
  *
@@ -18,13 +23,18 @@
 #include "vrel_kestrin_datatype.h"
 #include "vrel_kestrin_scalar.h"
 
+/**
+ * @addtogroup os
+ * @{
+ */
+
 /** What happens when a thread locks a mutex it holds. Every other value counts as recursive. */
 enum Vrel_Mutex_Type : int32_t
 {
     Vrel_MUTEX_NORMAL = 0,     /**< it waits for itself, for ever */
     Vrel_MUTEX_RECURSIVE = 1,  /**< it holds the mutex once more, and unlocks as often */
     Vrel_MUTEX_ERRORCHECK = 2, /**< Lock fails; TryLock answers EBUSY, as for any held mutex */
-    Vrel_MUTEX_DEFAULT = 0
+    Vrel_MUTEX_DEFAULT = 0     /**< Vrel_MUTEX_NORMAL */
 };
 
 /** What a mutex does. */
@@ -44,12 +54,12 @@ public:
      *
      * @param timeout  below 1: waits without limit, which is what callers want. From 1: until that
      *                 second after 1970, so that a held mutex fails at once
-     * @return 0 when locked
+     * @return 0 when locked, 0x80004005 when not
      */
     virtual HRESULT Lock(INT timeout) = 0;
     /** Unlocks. @return 0, also when the caller did not hold the mutex and nothing happened */
     virtual HRESULT Unlock() = 0;
-    /** The address of the pthread_mutex_t; owned by the mutex, never null. */
+    /** The mutex of the system. @return address of the pthread_mutex_t; owned here, never null */
     virtual void* GetHandle() = 0;
 };
 
@@ -57,6 +67,7 @@ public:
 class KESTRIN_EXPORT Vrel_Mutex : public Vrel_IMutex
 {
 public:
+    /** Unlocked. @param type  how it answers a thread that locks it twice */
     explicit Vrel_Mutex(Vrel_Mutex_Type type);
     ~Vrel_Mutex() override;
     Vrel_Mutex(const Vrel_Mutex&) = delete;
@@ -70,3 +81,5 @@ public:
 private:
     Vrel_IMutex* m_Delegate; /**< owned */
 };
+
+/** @} */

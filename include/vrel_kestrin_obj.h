@@ -1,11 +1,17 @@
 /**
+ * @file
  * The object model: reference-counted interfaces, the pointer that holds them, and the intrusive
  * lists that layers and widgets are made of.
  *
- * A factory hands an object out with a count of 0. The first holder, normally a ZELObjPtr or the
- * layer a widget is added to, raises it; the Release that brings the count to exactly 0 destroys
- * the object. Counts, lists and attributes have no lock: the engine is single-threaded, and all
- * calls come from one thread.
+ * Ownership: a factory hands an object out with a count of 0. The first holder, normally a
+ * ZELObjPtr or the layer a widget is added to, raises it; the Release that brings the count to
+ * exactly 0 destroys the object, and with it what it holds, so that a tree goes from the top.
+ *
+ *     ZELObjPtr<ILayer> layer(zelCreateLayer(nullptr)); // count 1
+ *     layer->AddWidget(zelCreateRectangle(nullptr));    // the layer holds it alone
+ *
+ * Failures: none. Threads: counts, lists and attributes have no lock; all calls come from the one
+ * thread that uses the engine.
  */
 #pragma once
 
@@ -13,16 +19,25 @@
 
 namespace zelxxx {
 
+/**
+ * @defgroup objects Object model
+ * Reference counts, attributes, holding pointers and intrusive lists.
+ * @{
+ */
+
 /** A reference-counted object. */
 class KESTRIN_EXPORT IZELObject
 {
 public:
+    /** Called by Release; clients do not delete. */
     virtual ~IZELObject() {}
-    /** Takes a reference and returns the new count. */
+    /** Takes a reference. @return the new count */
     virtual int Hold() = 0;
     /**
-     * Gives a reference back and returns the new count. The object is destroyed at exactly 0: to
-     * release what was never held leaves a count of -1 and destroys nothing.
+     * Gives a reference back. The object is destroyed at exactly 0: to release what was never held
+     * leaves a count of -1 and destroys nothing.
+     *
+     * @return the new count
      */
     virtual int Release() = 0;
 };
@@ -32,26 +47,42 @@ class KESTRIN_EXPORT IDynamic : public IZELObject
 {
 public:
     /**
-     * Stores a value, narrowed to the attribute's own width, and marks the object changed, also
-     * when the value is the old one. An index the object does not know is ignored.
+     * Stores a value and marks the object changed, also when the value is the old one.
+     *
+     * @param index  one the object does not know is ignored
+     * @param value  narrowed to the attribute's own width: the low 16 bits of a MetricValue, the
+     *               low 8 of a BlendValue
      */
     virtual void SetAttribute(AttrIndex index, AttrValue value) = 0;
-    /** Reads an attribute; 0 for an index the object does not know. */
+    /**
+     * Reads an attribute.
+     *
+     * @param index  its name
+     * @return its value; 0 for an index the object does not know or that is write-only
+     */
     virtual AttrValue GetAttribute(AttrIndex index) = 0;
 };
 
-/** Reference count of class T, which implements interface I. */
+/**
+ * Reference count of a class that implements an interface.
+ *
+ * @tparam I  the interface, an IZELObject
+ * @tparam T  the class, which derives from this one and is made with new
+ */
 template <class I, class T>
 class ZELObject : public I
 {
 public:
+    /** A count of 0. */
     ZELObject() : _ref(0) {}
     ZELObject(const ZELObject&) = delete;
     ZELObject& operator=(const ZELObject&) = delete;
     ~ZELObject() override {}
 
+    /** Takes a reference. @return the new count */
     int Hold() override { return ++_ref; }
 
+    /** Gives a reference back; at exactly 0 the object deletes itself. @return the new count */
     int Release() override
     {
         const int count = --_ref;
@@ -62,28 +93,41 @@ public:
     }
 
 protected:
-    Int32 _ref;
+    Int32 _ref; /**< the count; below 0 after a Release too many */
 };
 
-/** A pointer that holds one reference to an object, or is empty. */
+/**
+ * A pointer that holds one reference to an object, or is empty.
+ *
+ * @tparam T  an interface, derived from IZELObject
+ */
 template <class T>
 class ZELObjPtr
 {
 public:
+    /** Empty. */
     ZELObjPtr() : _ptr(nullptr) {}
+    /** Holds an object. @param object  null for none */
     ZELObjPtr(T* object) : _ptr(object)
     {
         if (_ptr)
             _ptr->Hold();
     }
+    /** Holds the same object once more. @param other  may be empty */
     ZELObjPtr(const ZELObjPtr& other) : ZELObjPtr(other._ptr) {}
+    /** Releases the object, if there is one. */
     ~ZELObjPtr()
     {
         if (_ptr)
             _ptr->Release();
     }
 
-    /** Holds the new object before it releases the old one, so that self-assignment is safe. */
+    /**
+     * Holds the new object, then releases the old one, so that self-assignment is safe.
+     *
+     * @param object  null for none
+     * @return this pointer
+     */
     ZELObjPtr& operator=(T* object)
     {
         if (object)
@@ -94,15 +138,20 @@ public:
             previous->Release();
         return *this;
     }
+    /** The same with the object of another pointer. @param other  may be empty @return this */
     // The pointer overload holds first, so self-assignment needs no test of its own.
     ZELObjPtr& operator=(const ZELObjPtr& other) // NOLINT(bugprone-unhandled-self-assignment)
     {
         return *this = other._ptr;
     }
 
+    /** @return the object, to call; there must be one */
     T* operator->() const { return _ptr; }
+    /** @return the object without a reference of its own, valid while somebody holds it, or null */
     operator T*() const { return _ptr; }
+    /** Whether both point to one object. @param other  may be empty @return true if so */
     bool operator==(const ZELObjPtr& other) const { return _ptr == other._ptr; }
+    /** Whether it points to this object. @param object  null asks for empty @return true if so */
     bool operator==(T* object) const { return _ptr == object; }
 
 private:
@@ -110,25 +159,36 @@ private:
 };
 
 /**
- * Base of a class E whose objects can stand in one list of class C. An element that is destroyed
- * while it stands in a list leaves it.
+ * Base of a class whose objects can stand in one list. An element that is destroyed while it stands
+ * in a list leaves it.
+ *
+ * The links are for the list; to move an element, call the list's operations.
+ *
+ * @tparam C  the class of the list
+ * @tparam E  the class of the elements, which derives from this one
  */
 template <class C, class E>
 class ZELElement
 {
 public:
+    /** In no list. */
     ZELElement() : _next(nullptr), _collection(nullptr) {}
     ZELElement(const ZELElement&) = delete;
     ZELElement& operator=(const ZELElement&) = delete;
+    /** Leaves the list it is in, which does not release it. */
     ~ZELElement()
     {
         if (_collection)
             _collection->UnlinkElement(this); // no longer an E
     }
 
+    /** For the list. @param next  the element behind this one, not held; null for the last */
     void SetNextElement(E* next) { _next = next; }
+    /** The element behind this one, not held. @return null for the last and outside lists */
     E* GetNextElement() const { return _next; }
+    /** For the list. @param collection  the list it stands in, not held; null for none */
     void SetCollection(C* collection) { _collection = collection; }
+    /** The list it stands in. @return null outside lists */
     C* GetCollection() const { return _collection; }
 
 private:
@@ -137,21 +197,33 @@ private:
 };
 
 /**
- * A singly linked list through its elements. With HoldsElements it keeps one reference on each.
+ * A singly linked list through its elements, in order of insertion. An element stands in one list
+ * of its class at most. Searching takes time by the length.
  *
- * C is the class that derives from this one. Insertion order is list order.
+ * A list does not release what is in it when it goes: call ReleaseElements before.
+ *
+ * @tparam C              the class that derives from this one
+ * @tparam E              the class of the elements, a ZELElement
+ * @tparam HoldsElements  whether the list keeps a reference on each element
  */
 template <class C, class E, bool HoldsElements>
 class ZELCollection
 {
 public:
+    /** Empty. */
     ZELCollection() : _elements(nullptr) {}
     ZELCollection(const ZELCollection&) = delete;
     ZELCollection& operator=(const ZELCollection&) = delete;
 
+    /** The head of the list, not held. @return null when the list is empty */
     E* GetFirstElement() const { return _elements; }
 
-    /** The element at a position counted from 0, or null. */
+    /**
+     * The element at a position, not held.
+     *
+     * @param position  counted from 0; below counts as 0
+     * @return null from the length on
+     */
     E* GetElement(int position) const
     {
         E* element = _elements;
@@ -160,12 +232,18 @@ public:
         return element;
     }
 
-    /** Moves an element to the tail, out of whatever list it is in. */
+    /**
+     * Moves an element to the tail, out of whatever list it is in.
+     *
+     * @param element  not null; one of this list goes to the tail with the same count
+     */
     void AddElement(E* element) { InsertElement(element, nullptr); }
 
     /**
-     * Moves an element, out of whatever list it is in, to just before `successor`, or to the tail
-     * when that is null or does not stand in this list.
+     * Moves an element, out of whatever list it is in, to just before another one.
+     *
+     * @param element    not null
+     * @param successor  not `element`; null, or one that is not in this list, stands for the tail
      */
     void InsertElement(E* element, E* successor)
     {
@@ -185,7 +263,7 @@ public:
         element->SetCollection(static_cast<C*>(this));
     }
 
-    /** Unlinks and releases an element; one that is not in this list is left alone. */
+    /** Unlinks and releases. @param element  not null; left alone when it is not in this list */
     void RemoveElement(E* element)
     {
         if (UnlinkElement(element) && HoldsElements)
@@ -199,7 +277,12 @@ public:
             RemoveElement(element);
     }
 
-    /** Takes an element out without releasing it; false when it is not in this list. */
+    /**
+     * Takes an element out without releasing it.
+     *
+     * @param element  not null; only its address is looked at
+     * @return false, with nothing changed, when it is not in this list
+     */
     bool UnlinkElement(ZELElement<C, E>* element)
     {
         E* previous = nullptr;
@@ -225,5 +308,7 @@ private:
 
     E* _elements;
 };
+
+/** @} */
 
 } // namespace zelxxx

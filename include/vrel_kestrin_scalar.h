@@ -1,4 +1,5 @@
 /**
+ * @file
  * The scalar types of the operating-system classes, in the global namespace where clients expect
  * them.
  *
@@ -18,6 +19,12 @@
 
 #include <type_traits>
 
+/**
+ * @defgroup os Threads, locks and libraries
+ * Classes over POSIX for clients' own threads. The engine uses none of them.
+ * @{
+ */
+
 #ifndef KESTRIN_CLIENT_SCALARS
 
 #ifndef HRESULT
@@ -25,20 +32,25 @@
 typedef int32_t HRESULT;
 #endif
 #ifndef INT
+/** A signed number of 32 bits. */
 typedef int32_t INT;
 #endif
 #ifndef DWORD
+/** An unsigned number of 32 bits. */
 typedef uint32_t DWORD;
 #endif
 #ifndef BOOL
-/** False when 0, true otherwise. */
+/** A truth value: false when 0, true otherwise. */
 typedef int32_t BOOL;
 #endif
 #ifndef PCHAR
+/** Text, ended by 0; not changed by what takes it. */
 typedef char* PCHAR;
 #endif
 
 #endif
+
+/** @} */
 
 // These two are returned only, so that a type of the same width does.
 static_assert(std::is_integral<HRESULT>::value && sizeof(HRESULT) == 4, "HRESULT has 32 bits");

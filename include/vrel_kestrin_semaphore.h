@@ -1,5 +1,10 @@
 /**
+ * @file
  * A counting semaphore for the threads of one process, counting from 0.
+ *
+ * Ownership: the client makes and deletes the objects. They have no reference count.
+ *
+ * Threads: any thread may call any function.
  *
  * Results are 0 for success and 0x80004005 for failure.
  *
@@ -11,6 +16,11 @@
 #include "vrel_kestrin_datatype.h"
 #include "vrel_kestrin_scalar.h"
 
+/**
+ * @addtogroup os
+ * @{
+ */
+
 /** What a semaphore does. */
 class KESTRIN_EXPORT Vrel_ISemaphore
 {
@@ -20,7 +30,8 @@ public:
      * Raises the count, by one at a time.
      *
      * @param count  how often; below 1 does nothing and succeeds
-     * @return failure when the count cannot rise further (2147483647); what was added before stays
+     * @return 0, or 0x80004005 when the count cannot rise further (2147483647); what was added
+     *         before stays
      */
     virtual HRESULT Post(INT count) = 0;
     /**
@@ -28,11 +39,11 @@ public:
      *
      * @param timeout  below 1: waits without limit, which is what callers want. From 1: until that
      *                 second after 1970, so that a count of 0 fails at once
-     * @return 0 when the count was lowered. Failure also when the handler of a signal ran meanwhile
-     *         that was installed without SA_RESTART: wait again then
+     * @return 0 when the count was lowered, else 0x80004005. Failure also when the handler of a
+     *         signal ran meanwhile that was installed without SA_RESTART: wait again then
      */
     virtual HRESULT Wait(INT timeout) = 0;
-    /** Null: the semaphore of the system is not handed out. */
+    /** The semaphore of the system is not handed out. @return null */
     virtual void* GetHandle() = 0;
 };
 
@@ -40,6 +51,7 @@ public:
 class KESTRIN_EXPORT Vrel_Semaphore : public Vrel_ISemaphore
 {
 public:
+    /** With a count of 0. */
     Vrel_Semaphore();
     ~Vrel_Semaphore() override;
     Vrel_Semaphore(const Vrel_Semaphore&) = delete;
@@ -52,3 +64,5 @@ public:
 private:
     Vrel_ISemaphore* m_Delegate; /**< owned */
 };
+
+/** @} */

@@ -1,4 +1,5 @@
 /**
+ * @file
  * Threads, ticks and sleep.
  *
  * A thread is a class of the client's, derived from Vrel_Thread, whose Task runs on the new thread:
@@ -35,13 +36,18 @@
 
 #include <pthread.h>
 
-/** Scheduling policies. Every other value counts as the default. */
+/**
+ * @addtogroup os
+ * @{
+ */
+
+/** Scheduling policies, asked for without effect. Every other value counts as the default. */
 enum Vrel_Thread_Sched : int32_t
 {
-    Vrel_THREAD_SCHED_DEFAULT = 0,
-    Vrel_THREAD_SCHED_FIFO = 1,
-    Vrel_THREAD_SCHED_RR = 2,
-    Vrel_THREAD_SCHED_OTHER = 3
+    Vrel_THREAD_SCHED_DEFAULT = 0, /**< none asked for */
+    Vrel_THREAD_SCHED_FIFO = 1,    /**< SCHED_FIFO of POSIX */
+    Vrel_THREAD_SCHED_RR = 2,      /**< SCHED_RR */
+    Vrel_THREAD_SCHED_OTHER = 3    /**< SCHED_OTHER */
 };
 
 /** What a thread does. Results are 0 for success and 0x80004005 for failure. */
@@ -54,24 +60,31 @@ public:
      * for, not before.
      *
      * @param param  handed to Task; to outlive the thread if it points to something
+     * @return 0, or 0x80004005 when the system has no thread to give
      */
     virtual HRESULT Start(void* param) = 0;
-    /** What the thread does; called on the new thread, its result is not used. */
+    /**
+     * What the thread does; called on the new thread.
+     *
+     * @param param  as given to Start
+     * @return not used
+     */
     virtual HRESULT Task(void* param) = 0;
     /**
      * Waits without limit for the thread to end, once; called from one thread.
      *
      * @param dwTimeout  ignored
-     * @return failure, at once and without a word, when the thread was not started, was waited for
-     *         before or is detached; failure also when a thread waits for itself
+     * @return 0, or 0x80004005: at once and without a word, when the thread was not started, was
+     *         waited for before or is detached; also when a thread waits for itself
      */
     virtual HRESULT Wait(INT dwTimeout) = 0;
-    /** The thread's id; 0 before the first start. Of no more use once it was waited for. */
+    /** The thread's id, of no more use once it was waited for. @return 0 before the first start */
     virtual pthread_t GetThreadID() = 0;
     /**
      * Names the calling thread, whichever it is.
      *
      * @param name  copied; the system cuts it to 15 bytes. Null fails
+     * @return 0 or 0x80004005
      */
     virtual HRESULT SetThreadName(PCHAR name) = 0;
 };
@@ -80,7 +93,12 @@ public:
 class KESTRIN_EXPORT Vrel_Thread : public Vrel_IThread
 {
 public:
-    /** @param detached  not 0: nobody waits for it, and it deletes this object at its end */
+    /**
+     * A thread that is not started.
+     *
+     * @param sched     asked of the system, without effect
+     * @param detached  not 0: nobody waits for it, and it deletes this object at its end
+     */
     Vrel_Thread(Vrel_Thread_Sched sched, BOOL detached);
     /** Waits for a thread that was started and is not detached, unless it was waited for. */
     ~Vrel_Thread() override;
@@ -88,7 +106,7 @@ public:
     Vrel_Thread& operator=(const Vrel_Thread&) = delete;
 
     HRESULT Start(void* param) override;
-    /** To be overridden; does nothing. */
+    /** To be overridden; does nothing. @param param  as given to Start @return not used */
     HRESULT Task(void* param) override;
     HRESULT Wait(INT dwTimeout) override;
     pthread_t GetThreadID() override;
@@ -102,8 +120,16 @@ private:
  * Milliseconds of a clock that counts from the start of the system. On one that knows the date it
  * is always 0: the milliseconds since 1970 fit for the first 4294967 seconds only (49.7 days). Use
  * zelxxx::zelGetTickCount or std::chrono::steady_clock instead.
+ *
+ * @return milliseconds, or 0
  */
 KESTRIN_EXPORT DWORD Vrel_GetTickCount();
 
-/** Sleeps, for the whole time also when signals interrupt it. Below 1: returns at once. */
+/**
+ * Sleeps, for the whole time also when signals interrupt it.
+ *
+ * @param milliseconds  below 1: returns at once
+ */
 KESTRIN_EXPORT void Vrel_Sleep(INT milliseconds);
+
+/** @} */

@@ -1,4 +1,5 @@
 /**
+ * @file
  * Ready-made text formatting: "this text, in this box, centred, wrapped, with an ellipsis".
  *
  *     FlowFormatter formatter(Color32Bit);
@@ -56,32 +57,42 @@ namespace zelxxx {
 class FlowParts;
 class FlowPlacement;
 
-/** No character: what FlowLayout::GetCharacterAt gives beside the text. */
+/**
+ * @defgroup flow Text formatting
+ * Wraps, aligns, orders and joins text of any script that is drawn character by character.
+ * @{
+ */
+
+/** Values of a code unit's number that stand for none. */
 enum : UInt32
 {
-    FlowNoCharacter = 0xffffffff
+    FlowNoCharacter = 0xffffffff /**< what FlowLayout::GetCharacterAt gives beside the text */
 };
 
 /** Which way the text of a paragraph runs. */
 enum FlowDirection : Int32
 {
     FlowAutomatic = 0,   /**< as its first letter does; from left to right without letters */
-    FlowLeftToRight = 1, /**< whatever it is made of, as the other */
-    FlowRightToLeft = 2
+    FlowLeftToRight = 1, /**< from left to right, whatever it is made of */
+    FlowRightToLeft = 2  /**< from right to left, whatever it is made of */
 };
 
 /** A half-open rectangle: it covers left <= x < right and top <= y < bottom. */
 struct FlowRect
 {
-    Int32 left, top, right, bottom;
+    Int32 left;   /**< first column in it */
+    Int32 top;    /**< first row in it */
+    Int32 right;  /**< first column beyond */
+    Int32 bottom; /**< first row beyond */
 };
 
 /** One line of a layout. */
 struct FlowLine
 {
-    UInt32 begin, end; /**< its code units begin <= i < end, with the blanks and break at its end */
-    FlowRect box;      /**< from the first to the last character's advance, without blanks at the
-                            end; as high as a line */
+    UInt32 begin; /**< its first code unit */
+    UInt32 end;   /**< the first one behind it; its end has the blanks and the break */
+    FlowRect box; /**< from the first to the last character's advance, without blanks at the end; as
+                       high as a line */
     bool right_to_left; /**< direction of its paragraph */
     bool ellipsis;      /**< three dots stand at its end */
 };
@@ -89,7 +100,8 @@ struct FlowLine
 /** Colour of the code units begin <= i < end. Of runs that overlap the later one counts. */
 struct FlowColorRun
 {
-    UInt32 begin, end;
+    UInt32 begin;     /**< first code unit */
+    UInt32 end;       /**< the first one behind it; at or below `begin` there is no run */
     ColorValue color; /**< as FlowStyle says */
     BlendValue blend; /**< 255 opaque; not used on an 8-bit display */
 };
@@ -102,6 +114,7 @@ struct FlowColorRun
  */
 struct FlowStyle
 {
+    /** No shadow, no outline, marks in the colour of the text, everything else off. */
     FlowStyle()
         : shadow_color(0), shadow_blend(0), shadow_x(0), shadow_y(0), outline_color(0),
           outline_blend(0), outline_width(0), mark_color(0), mark_blend(0), mark_begin(0),
@@ -110,22 +123,35 @@ struct FlowStyle
     {
     }
 
-    // A copy of the text under it, and copies all around it. The box is smaller by as much as they
-    // reach out of the text, so that they lie in it.
-    ColorValue shadow_color;
-    BlendValue shadow_blend; /**< opacity; 0 for no shadow, also on an 8-bit display */
-    MetricValue shadow_x, shadow_y;
-    ColorValue outline_color;
+    /**
+     * @name Shadow and outline
+     * A copy of the text under it, and copies all around it. The box is smaller by as much as they
+     * reach out of the text, so that they lie in it.
+     * @{
+     */
+    ColorValue shadow_color;  /**< colour of the copy */
+    BlendValue shadow_blend;  /**< opacity; 0 for no shadow, also on an 8-bit display */
+    MetricValue shadow_x;     /**< pixels to the right; below 0 to the left */
+    MetricValue shadow_y;     /**< pixels down; below 0 up */
+    ColorValue outline_color; /**< colour of the copies */
     BlendValue outline_blend; /**< opacity, as above; copies overlap, so better opaque */
     UInt8 outline_width;      /**< pixels, at most 8 */
+    /** @} */
 
-    // What TextMarked marks: code units mark_begin <= i < mark_end, or, where these are equal, the
-    // character at AttrCursorIndex; an index behind the text marks the place of the next character.
-    ColorValue mark_color;
+    /**
+     * @name Mark
+     * What TextMarked marks: the code units from begin up to but not including end or, where these
+     * are equal, the character at AttrCursorIndex; an index behind the text marks the place of the
+     * next character.
+     * @{
+     */
+    ColorValue mark_color; /**< colour of the line */
     BlendValue mark_blend; /**< opacity; 0 for the colour of the text */
-    UInt32 mark_begin, mark_end;
+    UInt32 mark_begin;     /**< first code unit marked */
+    UInt32 mark_end;       /**< the first one behind it */
+    /** @} */
 
-    FlowDirection direction;
+    FlowDirection direction; /**< of every paragraph */
     bool balanced;     /**< lines broken by TextWrap are about equally long, not as long as fits */
     bool korean_words; /**< no breaks inside Korean words, as Unicode leaves to the writer */
     /**
@@ -147,22 +173,31 @@ public:
     /** One without lines. */
     FlowLayout() {}
 
+    /** How many lines there are. @return 0 when nothing could be laid out */
     UInt32 GetLineCount() const;
-    /** A line, counted from 0; all zero for one that is not there. */
+    /** A line. @param index  counted from 0 @return all zero for one that is not there */
     FlowLine GetLine(UInt32 index) const;
-    /** Width of the widest line. */
+    /** Width of the widest line. @return pixels */
     Int32 GetWidth() const;
-    /** Height of all lines. */
+    /** Height of all lines. @return pixels */
     Int32 GetHeight() const;
-    /** Whether something was left out, for an ellipsis or as the rest of too long a text. */
+    /** Whether something was left out. @return true for an ellipsis and of too long a text */
     bool IsCut() const;
 
-    /** First code unit of the character at a point, blanks at a line's end included. */
+    /**
+     * Finds the character at a point, blanks at a line's end included.
+     *
+     * @param x, y  pixels from the widget's top left corner
+     * @return its first code unit, or FlowNoCharacter
+     */
     UInt32 GetCharacterAt(Int32 x, Int32 y) const;
     /**
      * The character's part of its line, from its own place to that of the next; of a ligature an
      * equal share. Nothing wide for what draws nothing, and for the text's length, where the next
-     * character would go. All zero for a character that was left out.
+     * character would go.
+     *
+     * @param unit  a code unit of the character
+     * @return all zero for a character that was left out
      */
     FlowRect GetCharacterRect(UInt32 unit) const;
 
@@ -182,8 +217,10 @@ public:
      * The scene takes no notice of what is set now: place a box that depends on the line after the
      * update, or ask FlowFormatter::LayOut before.
      *
+     * @param text   the widget
      * @param index  counted from 0; called for each line from top to bottom
      * @param count  lines of the widget; 0, with no line, for a widget that has become empty
+     * @param line   where it is; valid during the call
      */
     virtual void HandleLine(IText* text, UInt32 index, UInt32 count, const FlowLine& line) = 0;
 };
@@ -192,27 +229,45 @@ public:
 class KESTRIN_EXPORT FlowFormatter : public ITextFormater
 {
 public:
-    /** For a display of the mode the engine was started with: Color8Bit, or any other for 32. */
+    /** No settings. @param display_mode  the engine's: Color8Bit, or any other for 32 bits */
     explicit FlowFormatter(ColorMode display_mode);
     ~FlowFormatter() override;
     FlowFormatter(const FlowFormatter&) = delete;
     FlowFormatter& operator=(const FlowFormatter&) = delete;
 
-    // These apply to one widget, which is then drawn anew, or, with null, to all that have nothing
-    // of their own; those are drawn as before until an attribute or their text is set.
-
+    /**
+     * @name Settings
+     * They apply to one widget, which is then drawn anew, or, with null, to all that have nothing
+     * of their own; those are drawn as before until an attribute or their text is set.
+     * @{
+     */
+    /** Sets the style. @param style  copied @param text  the widget, not held; null for all */
     void SetStyle(const FlowStyle& style, IText* text = nullptr);
-    /** Copies the runs. Code units of no run have AttrColor. */
+    /**
+     * Colours parts of the text. Code units of no run have AttrColor.
+     *
+     * @param runs   copied
+     * @param count  how many; 0 for none
+     * @param text   the widget, not held; null for all
+     */
     void SetColors(const FlowColorRun* runs, UInt32 count, IText* text = nullptr);
-    /** The handler, null for none, is not held and outlives its use. */
+    /**
+     * Has lines told as they are drawn.
+     *
+     * @param handler  not held, outlives its use; null for none
+     * @param text     the widget, not held; null for all
+     */
     void SetLineHandler(IFlowLineHandler* handler, IText* text = nullptr);
-    /** Takes back what was set for a widget. Call it for a widget that goes. */
+    /** Takes back what was set for a widget. @param text  to be called for a widget that goes */
     void Forget(IText* text);
+    /** @} */
 
     /**
-     * Says what lies under the text on an 8-bit display: one opaque colour, 0x00BBGGRR. The edges
-     * of glyphs then fade towards it in all steps that the fixed palette has; without, they are
+     * Says what lies under the text on an 8-bit display: one opaque colour. The edges of glyphs
+     * then fade towards it in all steps that the fixed palette has; without, they are
      * semi-transparent.
+     *
+     * @param color  0x00BBGGRR, not an index
      */
     void SetGround(ColorValue color);
     /** Takes SetGround back. */
@@ -220,7 +275,13 @@ public:
 
     /**
      * Lays a text out as it would be for the widget, without drawing: the widget's attributes apply
-     * as they are, its own text does not matter. The parameters are those of IText::SetText.
+     * as they are, its own text does not matter.
+     *
+     * @param text      the widget; not null
+     * @param bytes     in `encoding`; null for no text
+     * @param length    number of bytes
+     * @param encoding  as for IText::SetText
+     * @return where everything is; without lines when there is no font or its size is 0
      */
     FlowLayout LayOut(IText* text, PtrConstAny bytes, UInt32 length, TextEncoding encoding);
 
@@ -231,6 +292,8 @@ public:
     /**
      * Turns a glyph's coverage into the indices of the fixed palette that come nearest to the
      * colour at that opacity. A client palette other than the fixed one is not looked at.
+     *
+     * @param char_metrics, color, blend, buffer  as the engine calls ITextFormater::GetCharBuffer
      */
     void GetCharBuffer(const CharMetrics* char_metrics, ColorValue color, BlendValue blend,
                        PtrSChar buffer) override;
@@ -238,5 +301,7 @@ public:
 private:
     std::unique_ptr<FlowParts> _parts;
 };
+
+/** @} */
 
 } // namespace zelxxx

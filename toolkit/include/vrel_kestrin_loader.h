@@ -1,4 +1,5 @@
 /**
+ * @file
  * Pictures for any display, from files that other programs write.
  *
  *     ZELObjPtr<IImageLoader> loader(zelCreateImageLoader());
@@ -26,6 +27,12 @@
 
 namespace zelxxx {
 
+/**
+ * @defgroup loader Picture loader
+ * Makes images of PNG, JPEG and image files that look right on the display at hand.
+ * @{
+ */
+
 /** Reads picture files and makes images of them, one image for each frame. */
 class KESTRIN_EXPORT IImageLoader : public IZELObject
 {
@@ -49,16 +56,18 @@ public:
      */
     virtual bool OpenPalette(const char* file_name) = 0;
     /**
-     * Holds the palette of the 8-bit display that images are made for. Null, as at first, stands
-     * for the palette last given to a view or else the fixed one of 188 colours.
+     * Chooses the palette of the 8-bit display that images are made for.
+     *
+     * @param palette  held; null, as at first, stands for the palette last given to a view or else
+     *                 the fixed one of 188 colours
      */
     virtual void SetDisplayPalette(IPalette* palette) = 0;
 
-    /** Width of a frame in pixels; 0 when no picture is loaded. */
+    /** Width of a frame. @return pixels, at most 32767; 0 when no picture is loaded */
     virtual UInt16 GetWidth() = 0;
-    /** Height of a frame in pixels. */
+    /** Height of a frame. @return pixels, at most 32767; 0 when no picture is loaded */
     virtual UInt16 GetHeight() = 0;
-    /** Frames of an image file, 1 of other pictures; 0 when no picture is loaded. */
+    /** How many frames there are. @return 1 but for image files; 0 when no picture is loaded */
     virtual int GetFrameCount() = 0;
 
     /**
@@ -74,22 +83,26 @@ public:
      * a scene of BlendSrcOver8BIT blends by table. An image file without palette gives indices
      * for either display; zelCreateImage says which colours these have on 32 bits.
      *
-     * @param display_mode  the mode the engine was started with: Color8Bit, or any other for 32
-     * bits
+     * @param display_mode  the engine's: Color8Bit, or any other for 32 bits
      * @param frame         counted from 0
-     * @return null when no picture is loaded, it has no such frame, or memory is short
+     * @return an image with a count of 0; null when no picture is loaded, it has no such frame, or
+     *         memory is short
      */
     virtual IImage* CreateImage(ColorMode display_mode, int frame) = 0;
 
     /**
-     * What the last Open, OpenPalette or CreateImage that failed has to say, "FILE: reason" without
-     * a line end; empty when none has. Owned by the loader, valid until its next call.
-     * Of a loader without a picture it still says why Open failed.
+     * What the last Open, OpenPalette or CreateImage that failed has to say. Of a loader without a
+     * picture it still says why Open failed.
+     *
+     * @return "FILE: reason" without a line end, empty when none has failed. Owned by the loader,
+     *         valid until its next call
      */
     virtual const char* GetError() = 0;
 };
 
-/** A loader without a picture, with a count of 0. It may be made before the start of the engine. */
+/** A loader without a picture. It may be made before the start of the engine. @return count 0 */
 KESTRIN_EXPORT IImageLoader* zelCreateImageLoader();
+
+/** @} */
 
 } // namespace zelxxx
