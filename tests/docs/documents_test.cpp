@@ -70,7 +70,7 @@ std::set<std::string> AnchorsOf(const fs::path& page)
 {
     std::set<std::string> anchors;
     for (const std::string& line : LinesOf(page)) {
-        if (line.rfind("#", 0) != 0)
+        if (line.empty() || line[0] != '#')
             continue;
         std::string anchor;
         for (const char c : line.substr(line.find(' ') + 1)) {
