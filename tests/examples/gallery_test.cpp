@@ -74,7 +74,7 @@ TEST_P(Gallery, PicturesAreWhatTheExampleShows)
     ASSERT_EQ(PicturesIn(rendered), expected);
     for (const std::string& name : expected) {
         const std::string actual = rendered / name, before = kept / name;
-        SCOPED_TRACE("rendered " + actual + "\nexpected " + before);
+        SCOPED_TRACE(testing::Message() << "rendered " << actual << "\nexpected " << before);
         if (fs::path(name).extension() == ".gif") {
             ExpectSameFrames(actual, before);
         } else {
