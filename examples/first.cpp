@@ -1,57 +1,41 @@
-/**
- * A caption in a box: what a client of the library needs at least.
- *
- * Takes a font file as its argument, or DejaVu Sans.
- */
-#include "vrel_kestrin_flow.h"
-
+/** A caption that moves: what a client of the library needs at least. The README shows it, too. */
+#include "vrel_kestrin_flow.h" // the toolkit's text formatter, and with it the engine
 #include <cstdio>
 #include <fstream>
-
 using namespace zelxxx;
 
-template <class Widget>
-void Place(Widget& widget, int x, int y, int width, int height)
+int main()
 {
-    widget->SetAttribute(AttrPosX, x);
-    widget->SetAttribute(AttrPosY, y);
-    widget->SetAttribute(AttrSpanX, width);
-    widget->SetAttribute(AttrSpanY, height);
-}
-
-int main(int argc, char** argv)
-{
-    // An index file names the fonts. Without a directory of its own it takes their names as given.
-    const char* font = argc > 1 ? argv[1] : "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-    const char index[] = "first-fonts";
-    std::ofstream(index) << "1\nfnt:" << font << '\n';
-
+    std::ofstream("fonts.txt") << "1\nfnt:/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf\n";
     zelInitialize(1280, 720, Color32Bit);
     {
         FlowFormatter formatter(Color32Bit);
         ZELObjPtr<IScene> scene(
             zelCreateScene(0, 1280, 720, Color32Bit, SceneUseDoubleBuffer, BlendSrcOver));
-        ZELObjPtr<ILayer> layer(zelCreateLayer(nullptr));
-        scene->AddLayer(layer);
+        ZELObjPtr<ILayer> caption(zelCreateLayer(nullptr));
+        caption->SetAttribute(AttrPosX, 320);
+        caption->SetAttribute(AttrPosY, 560);
+        scene->AddLayer(caption);
 
         ZELObjPtr<IWidget> box(zelCreateRectangle(nullptr));
-        Place(box, 320, 560, 640, 90);
+        box->SetAttribute(AttrSpanX, 640);
+        box->SetAttribute(AttrSpanY, 90);
         box->SetAttribute(AttrColor, 0x402010); // red is the lowest byte
-        box->SetAttribute(AttrBlend, 200);
-        layer->AddWidget(box);
+        box->SetAttribute(AttrBlend, 200);      // of 255
+        caption->AddWidget(box);
 
-        ZELObjPtr<IText> text(zelCreateText(PResource(zelOpenResource(index))));
-        Place(text, 350, 575, 600, 60);
-        text->SetAttribute(AttrFontIndex, 1);
+        ZELObjPtr<IText> text(zelCreateText(PResource(zelOpenResource("fonts.txt"))));
+        text->SetAttribute(AttrSpanX, 640);
+        text->SetAttribute(AttrSpanY, 90);
+        text->SetAttribute(AttrFontIndex, 1); // the first of fonts.txt
         text->SetAttribute(AttrFontSize, 44);
-        text->SetAttribute(AttrTextFormat, TextAlignLeft | TextEndEllipsis);
-        text->SetAttribute(AttrColor, 0x78dcff);
-        const char caption[] = "Grüße vom Bildschirm";
-        text->SetText(caption, sizeof caption - 1, EncodingUTF8, &formatter);
-        layer->AddWidget(text);
+        text->SetText("Good evening", 12, EncodingASCII, &formatter);
+        caption->AddWidget(text);
 
-        zelUpdateScreen(true, false);
+        zelUpdateScreen(true, false); // everything, once
+        std::getchar();               // until Enter
+        caption->SetAttribute(AttrPosY, 40);
+        zelUpdateScreen(false, false); // what has changed, and nothing else
     }
     zelUninitialize();
-    std::remove(index);
 }

@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -36,15 +35,6 @@ int Count(const ArgbImage& shot, std::uint32_t color, int x1, int y1, int x2, in
             count += shot.At(x, y) == color;
     }
     return count;
-}
-
-TEST(Examples, FirstShowsItsCaptionInItsBox)
-{
-    const ArgbImage shot = ScreenOf("first", 1280, 720);
-    EXPECT_EQ(shot.At(330, 570), 0xC8102040);
-    EXPECT_EQ(shot.At(319, 570), 0u);
-    const auto light = std::count(shot.pixels.begin(), shot.pixels.end(), 0xFFFFDC78);
-    EXPECT_GT(light, 1000);
 }
 
 TEST(Examples, CaptionsShowTwoColoursOverBoxesInEveryCell)
