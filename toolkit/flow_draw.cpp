@@ -23,13 +23,12 @@ bool Fits16Bits(Int32 value)
 
 FlowDrawing::FlowDrawing(IText* text, const FlowPlacement& placement, const FlowStyle& style,
                          const FlowColors& colors, bool indexed)
-    : _text(text), _placement(placement), _style(style), _colors(colors), _indexed(indexed),
-      _text_color(), _metrics(), _glyph_top(0), _cursor_top(0), _reach(0), _current(),
-      _has_current(false)
+    : _text(text), _placement(placement), _style(style), _colors(colors),
+      _indexed(indexed), _text_color{static_cast<ColorValue>(text->GetAttribute(AttrColor)), 255},
+      _metrics(), _glyph_top(0), _cursor_top(0), _reach(0), _current(), _has_current(false)
 {
     IFont* const font = placement.text->source.font;
     const UInt16 size = placement.text->source.size;
-    _text_color = {static_cast<ColorValue>(text->GetAttribute(AttrColor)), 255};
     font->GetFTFontMetrics(size, FontRegular, &_metrics);
     _cursor_top = (placement.box.line_height - _metrics.height) >> 1;
     // The metrics are the same for all fonts, and so is the baseline.

@@ -8,7 +8,6 @@
 struct vrel_debug_category
 {
     std::string name;
-    std::string description;
 };
 
 namespace {
@@ -25,9 +24,9 @@ extern "C" {
 
 int __vrel_debug_min = ThresholdFromEnvironment();
 
-vrel_debug_category* vrel_debug_category_new(const char* name, unsigned, const char* description)
+vrel_debug_category* vrel_debug_category_new(const char* name, unsigned, const char*)
 {
-    return new vrel_debug_category{name ? name : "", description ? description : ""};
+    return new vrel_debug_category{name ? name : ""};
 }
 
 void vrel_debug_log(vrel_debug_category* category, int level, const char* file,

@@ -28,7 +28,7 @@ VREL_DEBUG_EXPORT extern int __vrel_debug_min;
  *
  * @param name         shown with each message; copied
  * @param flags        0; other values are reserved
- * @param description  one line for people; copied
+ * @param description  one line for people; this log does not show it
  * @return the category, which lives until the process ends
  */
 VREL_DEBUG_EXPORT vrel_debug_category* vrel_debug_category_new(const char* name, unsigned flags,

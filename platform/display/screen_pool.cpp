@@ -1,6 +1,7 @@
 #include "screen_pool.h"
 
 #include "screen_system.h"
+#include "surface_pool.h"
 
 #include <cstdio>
 
@@ -29,11 +30,6 @@ ScreenSystem& SystemOf(void* pool_local)
 int PoolLocalDataSize()
 {
     return sizeof(PoolLocal);
-}
-
-int AllocationDataSize()
-{
-    return sizeof(Buffer);
 }
 
 DFBResult InitPool(CoreDFB*, CoreSurfacePool*, void*, void* pool_local, void* system_data,
@@ -114,23 +110,11 @@ DFBResult Lock(CoreSurfacePool*, void*, void* pool_local, CoreSurfaceAllocation*
     return DFB_OK;
 }
 
-DFBResult Unlock(CoreSurfacePool*, void*, void*, CoreSurfaceAllocation*, void*,
-                 CoreSurfaceBufferLock*)
-{
-    return DFB_OK;
-}
-
 SurfacePoolFuncs MakeFunctions()
 {
-    SurfacePoolFuncs functions = {};
+    auto functions = kestrin_modules::PoolFunctions<Buffer>(InitPool, TestConfig, AllocateBuffer,
+                                                            DeallocateBuffer, Lock);
     functions.PoolLocalDataSize = PoolLocalDataSize;
-    functions.AllocationDataSize = AllocationDataSize;
-    functions.InitPool = InitPool;
-    functions.TestConfig = TestConfig;
-    functions.AllocateBuffer = AllocateBuffer;
-    functions.DeallocateBuffer = DeallocateBuffer;
-    functions.Lock = Lock;
-    functions.Unlock = Unlock;
     return functions;
 }
 

@@ -5,7 +5,7 @@
  * is for machines without a 2-D engine, on any DirectFB system that lets drivers at its surfaces.
  * `no-hardware` among DirectFB's options leaves everything as if there were no driver.
  */
-#include "directfb_driver.h"
+#include "directfb_core.h"
 #include "drawing.h"
 #include "memory_pool.h"
 

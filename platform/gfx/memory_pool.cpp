@@ -1,5 +1,7 @@
 #include "memory_pool.h"
 
+#include "surface_pool.h"
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -14,11 +16,6 @@ struct Buffer
     void* address;
     int pitch; // in bytes
 };
-
-int AllocationDataSize()
-{
-    return sizeof(Buffer);
-}
 
 DFBResult InitPool(CoreDFB*, CoreSurfacePool*, void*, void*, void*,
                    CoreSurfacePoolDescription* description)
@@ -81,27 +78,9 @@ DFBResult Lock(CoreSurfacePool*, void*, void*, CoreSurfaceAllocation*, void* all
     return DFB_OK;
 }
 
-DFBResult Unlock(CoreSurfacePool*, void*, void*, CoreSurfaceAllocation*, void*,
-                 CoreSurfaceBufferLock*)
-{
-    return DFB_OK;
-}
-
-SurfacePoolFuncs MakeFunctions()
-{
-    SurfacePoolFuncs functions = {};
-    functions.AllocationDataSize = AllocationDataSize;
-    functions.InitPool = InitPool;
-    functions.TestConfig = TestConfig;
-    functions.AllocateBuffer = AllocateBuffer;
-    functions.DeallocateBuffer = DeallocateBuffer;
-    functions.Lock = Lock;
-    functions.Unlock = Unlock;
-    return functions;
-}
-
 } // namespace
 
-const SurfacePoolFuncs memory_pool_functions = MakeFunctions();
+const SurfacePoolFuncs memory_pool_functions = kestrin_modules::PoolFunctions<Buffer>(
+    InitPool, TestConfig, AllocateBuffer, DeallocateBuffer, Lock);
 
 } // namespace kestrin_gfx

@@ -7,7 +7,7 @@
  */
 #pragma once
 
-#include "directfb_driver.h"
+#include "directfb_core.h"
 
 namespace kestrin_gfx {
 

@@ -6,7 +6,7 @@
  */
 #pragma once
 
-#include "directfb_driver.h"
+#include "directfb_core.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -127,7 +127,7 @@ std::vector<S_POINT> ConvexHull(std::vector<S_POINT> points)
     for (int side = 0; side < 2; ++side) {
         const std::size_t first = hull.size();
         for (const S_POINT& point : points) {
-            while (hull.size() >= first + 2 && turn(hull.end()[-2], hull.back(), point) <= 0)
+            while (hull.size() >= first + 2 && turn(hull[hull.size() - 2], hull.back(), point) <= 0)
                 hull.pop_back();
             hull.push_back(point);
         }

@@ -33,8 +33,9 @@ public:
     std::int64_t Between(std::int64_t low, std::int64_t high)
     {
         // Not a standard distribution: those differ between libraries.
-        const auto range = static_cast<std::uint64_t>(high - low) + 1U;
-        return low + static_cast<std::int64_t>(range == 0 ? _engine() : _engine() % range);
+        const auto range = static_cast<std::uint64_t>(high) - static_cast<std::uint64_t>(low) + 1U;
+        const std::uint64_t offset = range == 0 ? _engine() : _engine() % range;
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(low) + offset);
     }
 
     bool Chance(int percent) { return Between(1, 100) <= percent; }

@@ -1,5 +1,5 @@
 /**
- * DirectFB's internal headers for the display module.
+ * DirectFB's internal headers for its modules, the display and the graphics driver.
  *
  * They are written for C and lack linkage declarations. core/coretypes.h holds C++ overloads and
  * therefore stays outside the block; it goes first because the others rely on it.
@@ -15,9 +15,11 @@ extern "C" {
 #include <direct/modules.h>
 
 #include <core/core.h>
+#include <core/gfxcard.h>
 #include <core/layers.h>
 #include <core/palette.h>
 #include <core/screens.h>
+#include <core/state.h>
 #include <core/surface.h>
 #include <core/surface_allocation.h>
 #include <core/surface_buffer.h>
