@@ -135,8 +135,31 @@ libkestrin${soversion} (>= ${PROJECT_VERSION})"
     SUMMARY "tools of the Kestrin on-screen-display engine"
     DESCRIPTION "${engine}
 
-This package contains a subtitle player, programs that make and examine
-image, palette and resource index files, and one that takes pictures of
-the display in a file.")
+This package contains a subtitle player, programs for image, palette and
+resource index files, and one that takes pictures of the display in a
+file.")
+
+# The tools' manual pages are what they say of themselves, under a name in few words.
+find_program(HELP2MAN help2man REQUIRED)
+set(pages)
+foreach(entry
+        "kestrin-image:make, show and examine image files"
+        "kestrin-index:examine resource index files"
+        "kestrin-palette:make and show palette files"
+        "kestrin-play:show subtitles on a display in a file"
+        "kestrin-screen:take pictures of a display in a file"
+        "kestrin-sheet:put pictures onto one sheet")
+    string(REGEX MATCH "(.*):(.*)" matched ${entry})
+    set(page ${documents}/man/${CMAKE_MATCH_1}.1)
+    add_custom_command(OUTPUT ${page}.gz
+        COMMAND ${HELP2MAN} --no-info --version-string=${PROJECT_VERSION} --name=${CMAKE_MATCH_2}
+            --output=${page} $<TARGET_FILE:${CMAKE_MATCH_1}>
+        COMMAND gzip -9nf ${page}
+        DEPENDS ${CMAKE_MATCH_1} VERBATIM)
+    list(APPEND pages ${page}.gz)
+endforeach()
+file(MAKE_DIRECTORY ${documents}/man)
+add_custom_target(kestrin_manual_pages ALL DEPENDS ${pages})
+install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools EXCLUDE_FROM_ALL)
 
 include(CPack)
