@@ -1,8 +1,6 @@
 # Debian packages, by CPack: one for each component. scripts/package makes them.
-#
-# Packages are installed where the system looks; a build for another prefix makes none.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-    return()
+    message(FATAL_ERROR "Debian packages are installed in /usr: set CMAKE_INSTALL_PREFIX to it")
 endif()
 
 set(KESTRIN_PACKAGE_MAINTAINER "The Kestrin developers <kestrin@localhost>"
