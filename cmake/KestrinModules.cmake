@@ -15,5 +15,18 @@ set(KESTRIN_INSTALLED_MODULE_DIR ${CMAKE_INSTALL_LIBDIR}/kestrin/directfb-module
 file(MAKE_DIRECTORY ${KESTRIN_MODULE_DIR})
 foreach(part wm interfaces)
     file(CREATE_LINK ${DIRECTFB_MODULE_DIR}/${part} ${KESTRIN_MODULE_DIR}/${part} SYMBOLIC)
-    install(FILES ${KESTRIN_MODULE_DIR}/${part} DESTINATION ${KESTRIN_INSTALLED_MODULE_DIR})
 endforeach()
+
+# Installed, the links are relative where DirectFB is in the same prefix.
+install(CODE "
+    set(modules \"\${CMAKE_INSTALL_PREFIX}/${KESTRIN_INSTALLED_MODULE_DIR}\")
+    set(target \"${DIRECTFB_MODULE_DIR}\")
+    cmake_path(IS_PREFIX CMAKE_INSTALL_PREFIX \"\${target}\" NORMALIZE same_prefix)
+    if(same_prefix)
+        file(RELATIVE_PATH target \"\${modules}\" \"\${target}\")
+    endif()
+    file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${modules}\")
+    foreach(part wm interfaces)
+        message(STATUS \"Installing: \$ENV{DESTDIR}\${modules}/\${part}\")
+        file(CREATE_LINK \"\${target}/\${part}\" \"\$ENV{DESTDIR}\${modules}/\${part}\" SYMBOLIC)
+    endforeach()" COMPONENT display)

@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-using kestrin_test::VtableSlot;
+using kestrin_test::ExpectSlots;
 
 namespace zelxxx {
 namespace {
@@ -24,124 +24,126 @@ constexpr int kAfterObject = 4;
 constexpr int kAfterDynamic = 6;
 constexpr int kAfterWidget = 12;
 
-/** Expects the functions to stand one after the other. */
-template <class... Members>
-void ExpectSlots(int first, Members... members)
-{
-    int expected = first;
-    for (int slot : {VtableSlot(members)...})
-        EXPECT_EQ(slot, expected++);
-}
-
 TEST(InterfaceSlots, Object)
 {
-    ExpectSlots(kAfterDestructor, &IZELObject::Hold, &IZELObject::Release);
+    ExpectSlots<IZELObject>(kAfterDestructor, &IZELObject::Hold, &IZELObject::Release);
 }
 
 TEST(InterfaceSlots, Dynamic)
 {
-    ExpectSlots(kAfterObject, &IDynamic::SetAttribute, &IDynamic::GetAttribute);
+    ExpectSlots<IDynamic>(kAfterObject, &IDynamic::SetAttribute, &IDynamic::GetAttribute);
 }
 
 TEST(InterfaceSlots, Widget)
 {
-    ExpectSlots(kAfterDynamic, &IWidget::GetLayer, &IWidget::SetVisibility, &IWidget::SetRemoving,
-                &IWidget::SetAnchors, &IWidget::AddModifier, &IWidget::RemoveModifier);
+    ExpectSlots<IWidget>(kAfterDynamic, &IWidget::GetLayer, &IWidget::SetVisibility,
+                         &IWidget::SetRemoving, &IWidget::SetAnchors, &IWidget::AddModifier,
+                         &IWidget::RemoveModifier);
 }
 
 TEST(InterfaceSlots, Layer)
 {
-    ExpectSlots(kAfterWidget, &ILayer::AddWidget, &ILayer::InsertWidget, &ILayer::RemoveWidget,
-                &ILayer::EnableAnchors, &ILayer::LayerToScene, &ILayer::SceneToLayer);
+    ExpectSlots<ILayer>(kAfterWidget, &ILayer::AddWidget, &ILayer::InsertWidget,
+                        &ILayer::RemoveWidget, &ILayer::EnableAnchors, &ILayer::LayerToScene,
+                        &ILayer::SceneToLayer);
 }
 
 TEST(InterfaceSlots, Text)
 {
-    ExpectSlots(kAfterWidget, &IText::SetText, &IText::AddCursorInfo, &IText::AddColorInfo,
-                &IText::AddCharInfo, &IText::AddColorIndex, &IText::GetFont,
-                &IText::SwitchResource);
+    ExpectSlots<IText>(kAfterWidget, &IText::SetText, &IText::AddCursorInfo, &IText::AddColorInfo,
+                       &IText::AddCharInfo, &IText::AddColorIndex, &IText::GetFont,
+                       &IText::SwitchResource);
 }
 
 TEST(InterfaceSlots, Sprite)
 {
-    ExpectSlots(kAfterWidget, &ISprite::SetImage, &ISprite::UpdateImage);
+    ExpectSlots<ISprite>(kAfterWidget, &ISprite::SetImage, &ISprite::UpdateImage);
 }
 
 TEST(InterfaceSlots, Modifier)
 {
-    ExpectSlots(kAfterDynamic, &IModifier::Enable);
+    ExpectSlots<IModifier>(kAfterDynamic, &IModifier::Enable);
 }
 
 TEST(InterfaceSlots, ModifierBase)
 {
-    ExpectSlots(kAfterDestructor, &ModifierBase::Modify);
+    ExpectSlots<ModifierBase>(kAfterDestructor, &ModifierBase::Modify);
 }
 
 TEST(InterfaceSlots, Canvas)
 {
-    ExpectSlots(kAfterObject, &ICanvas::GetColorMode, &ICanvas::GetWidth, &ICanvas::GetHeight,
-                &ICanvas::Clear, &ICanvas::Copy, &ICanvas::SetBlendMode);
+    ExpectSlots<ICanvas>(kAfterObject, &ICanvas::GetColorMode, &ICanvas::GetWidth,
+                         &ICanvas::GetHeight, &ICanvas::Clear, &ICanvas::Copy,
+                         &ICanvas::SetBlendMode);
 }
 
 TEST(InterfaceSlots, View)
 {
     using SetPalette = void (IView::*)(IPalette*);
     using SetScaledPalette = void (IView::*)(IPalette*, UInt16, UInt16, UInt16);
-    ExpectSlots(10, &IView::Show, &IView::Hide, &IView::Flip,
-                static_cast<SetPalette>(&IView::SetPalette),
-                static_cast<SetScaledPalette>(&IView::SetPalette), &IView::SetPaletteEntry);
+    ExpectSlots<IView>(10, &IView::Show, &IView::Hide, &IView::Flip,
+                       static_cast<SetPalette>(&IView::SetPalette),
+                       static_cast<SetScaledPalette>(&IView::SetPalette), &IView::SetPaletteEntry);
 }
 
 TEST(InterfaceSlots, Scene)
 {
-    ExpectSlots(16, &IScene::SetBackgroundColor, &IScene::AddLayer, &IScene::RemoveLayer,
-                &IScene::Update, &IScene::Enable);
+    ExpectSlots<IScene>(16, &IScene::SetBackgroundColor, &IScene::AddLayer, &IScene::RemoveLayer,
+                        &IScene::Update, &IScene::Enable);
 }
 
 TEST(InterfaceSlots, Painter)
 {
-    ExpectSlots(kAfterObject, &IPainter::SetClipping, &IPainter::SetOrigin, &IPainter::DrawFrame,
-                &IPainter::DrawRectangle, &IPainter::DrawImage, &IPainter::DrawTexture,
-                &IPainter::DrawChar, &IPainter::DrawCharBitmap, &IPainter::Draw32BitCharBitmap,
-                &IPainter::GetColorMode, &IPainter::SetBlendMode, &IPainter::DrawString);
+    ExpectSlots<IPainter>(kAfterObject, &IPainter::SetClipping, &IPainter::SetOrigin,
+                          &IPainter::DrawFrame, &IPainter::DrawRectangle, &IPainter::DrawImage,
+                          &IPainter::DrawTexture, &IPainter::DrawChar, &IPainter::DrawCharBitmap,
+                          &IPainter::Draw32BitCharBitmap, &IPainter::GetColorMode,
+                          &IPainter::SetBlendMode, &IPainter::DrawString);
 }
 
 TEST(InterfaceSlots, Font)
 {
-    ExpectSlots(kAfterObject, &IFont::GetFTFontMetrics, &IFont::GetFTNoScaleCharMetricsX,
-                &IFont::GetFTKerning, &IFont::GetFTYOffsetTop, &IFont::GetFTYOffsetBottom,
-                &IFont::GetFTXOffsetLeft, &IFont::GetFTCharMetrics,
-                &IFont::NoScaleFontUnitsToPixelsInCalculate,
-                &IFont::NoScaleFontUnitsToPixelsInDrawText);
+    ExpectSlots<IFont>(kAfterObject, &IFont::GetFTFontMetrics, &IFont::GetFTNoScaleCharMetricsX,
+                       &IFont::GetFTKerning, &IFont::GetFTYOffsetTop, &IFont::GetFTYOffsetBottom,
+                       &IFont::GetFTXOffsetLeft, &IFont::GetFTCharMetrics,
+                       &IFont::NoScaleFontUnitsToPixelsInCalculate,
+                       &IFont::NoScaleFontUnitsToPixelsInDrawText);
 }
 
 TEST(InterfaceSlots, Image)
 {
-    ExpectSlots(kAfterObject, &IImage::GetWidth, &IImage::GetHeight, &IImage::GetFrameCount,
-                &IImage::GetImageType, &IImage::ImageClear, &IImage::SetImageData,
-                &IImage::GetImageBuffer, &IImage::SetFileSize, &IImage::GetFileSize,
-                &IImage::SetAttribute, &IImage::GetAttribute);
+    ExpectSlots<IImage>(kAfterObject, &IImage::GetWidth, &IImage::GetHeight, &IImage::GetFrameCount,
+                        &IImage::GetImageType, &IImage::ImageClear, &IImage::SetImageData,
+                        &IImage::GetImageBuffer, &IImage::SetFileSize, &IImage::GetFileSize,
+                        &IImage::SetAttribute, &IImage::GetAttribute);
 }
 
 TEST(InterfaceSlots, Palette)
 {
-    ExpectSlots(kAfterObject, &IPalette::GetColorCount, &IPalette::GetColorRed,
-                &IPalette::GetColorGreen, &IPalette::GetColorBlue, &IPalette::GetColorBlending);
+    ExpectSlots<IPalette>(kAfterObject, &IPalette::GetColorCount, &IPalette::GetColorRed,
+                          &IPalette::GetColorGreen, &IPalette::GetColorBlue,
+                          &IPalette::GetColorBlending);
 }
 
 TEST(InterfaceSlots, Resource)
 {
-    ExpectSlots(kAfterObject, &IResource::OpenFont);
+    ExpectSlots<IResource>(kAfterObject, &IResource::OpenFont);
 }
 
 TEST(InterfaceSlots, TextFormater)
 {
-    ExpectSlots(kAfterDestructor, &ITextFormater::Format, &ITextFormater::GetCharBuffer);
+    ExpectSlots<ITextFormater>(kAfterDestructor, &ITextFormater::Format,
+                               &ITextFormater::GetCharBuffer);
 }
 
 TEST(InterfaceSlots, DirtyRectHandler)
 {
-    ExpectSlots(kAfterDestructor, &IDirtyRectHandler::HandleRect);
+    ExpectSlots<IDirtyRectHandler>(kAfterDestructor, &IDirtyRectHandler::HandleRect);
+}
+
+TEST(InterfaceSlots, Error)
+{
+    ExpectSlots<Error>(kAfterDestructor, &Error::Output);
 }
 
 TEST(InterfaceTree, IsAsDocumented)

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include <gtest/gtest.h>
+
 namespace kestrin_test {
 
 /**
@@ -29,6 +31,21 @@ int VtableSlot(Member member)
         return -1;
     return static_cast<int>((words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*)));
 #endif
+}
+
+/** Expects the functions to stand one after the other, and no other of the interface behind them.
+ */
+template <class Interface, class... Members>
+void ExpectSlots(int first, Members... members)
+{
+    // What a derived class adds stands in the first slot that is free.
+    struct Derived : Interface
+    {
+        virtual void Added() = 0;
+    };
+    int expected = first;
+    for (int slot : {VtableSlot(members)..., VtableSlot(&Derived::Added)})
+        EXPECT_EQ(slot, expected++);
 }
 
 } // namespace kestrin_test

@@ -10,20 +10,19 @@
 #include <gtest/gtest.h>
 
 using kestrin_test::Elapsed;
+using kestrin_test::ExpectSlots;
 using kestrin_test::kFailure;
 using kestrin_test::kLongPast;
 using kestrin_test::OnOtherThread;
 using kestrin_test::Pause;
 using kestrin_test::RunningThread;
-using kestrin_test::VtableSlot;
 
 namespace {
 
 TEST(ConditionSlots, FollowTheDestructor)
 {
-    EXPECT_EQ(VtableSlot(&Vrel_ICondition::Wait), 2);
-    EXPECT_EQ(VtableSlot(&Vrel_ICondition::Signal), 3);
-    EXPECT_EQ(VtableSlot(&Vrel_ICondition::Broadcast), 4);
+    ExpectSlots<Vrel_ICondition>(2, &Vrel_ICondition::Wait, &Vrel_ICondition::Signal,
+                                 &Vrel_ICondition::Broadcast);
 }
 
 /** A condition, its mutex, and threads that wait once and count themselves. */

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
+using kestrin_test::ExpectSlots;
 using kestrin_test::kFailure;
-using kestrin_test::VtableSlot;
 
 namespace {
 
@@ -38,8 +38,7 @@ void* const kUntouched = const_cast<char*>(kLibrary);
 
 TEST(DynLibSlots, FollowTheDestructor)
 {
-    EXPECT_EQ(VtableSlot(&Vrel_IDynLib::FindSymbol), 2);
-    EXPECT_EQ(VtableSlot(&Vrel_IDynLib::Unload), 3);
+    ExpectSlots<Vrel_IDynLib>(2, &Vrel_IDynLib::FindSymbol, &Vrel_IDynLib::Unload);
 }
 
 TEST(DynLib, FindsFunctionsAndVariables)

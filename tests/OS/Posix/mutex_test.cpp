@@ -11,12 +11,12 @@
 #include <gtest/gtest.h>
 
 using kestrin_test::Elapsed;
+using kestrin_test::ExpectSlots;
 using kestrin_test::kFailure;
 using kestrin_test::kLongPast;
 using kestrin_test::OnOtherThread;
 using kestrin_test::Pause;
 using kestrin_test::RunningThread;
-using kestrin_test::VtableSlot;
 
 /** Asked by ThreadSanitizer: one test unlocks a mutex that another thread holds, on purpose. */
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions()
@@ -28,10 +28,8 @@ namespace {
 
 TEST(MutexSlots, FollowTheDestructor)
 {
-    EXPECT_EQ(VtableSlot(&Vrel_IMutex::TryLock), 2);
-    EXPECT_EQ(VtableSlot(&Vrel_IMutex::Lock), 3);
-    EXPECT_EQ(VtableSlot(&Vrel_IMutex::Unlock), 4);
-    EXPECT_EQ(VtableSlot(&Vrel_IMutex::GetHandle), 5);
+    ExpectSlots<Vrel_IMutex>(2, &Vrel_IMutex::TryLock, &Vrel_IMutex::Lock, &Vrel_IMutex::Unlock,
+                             &Vrel_IMutex::GetHandle);
 }
 
 TEST(MutexTypes, HaveTheirNumbers)

@@ -9,12 +9,12 @@
 #include <gtest/gtest.h>
 
 using kestrin_test::Elapsed;
+using kestrin_test::ExpectSlots;
 using kestrin_test::kFailure;
 using kestrin_test::kLongPast;
 using kestrin_test::Pause;
 using kestrin_test::RunningThread;
 using kestrin_test::SignalCounter;
-using kestrin_test::VtableSlot;
 
 namespace {
 
@@ -29,9 +29,8 @@ int Drain(Vrel_ISemaphore& semaphore)
 
 TEST(SemaphoreSlots, FollowTheDestructor)
 {
-    EXPECT_EQ(VtableSlot(&Vrel_ISemaphore::Post), 2);
-    EXPECT_EQ(VtableSlot(&Vrel_ISemaphore::Wait), 3);
-    EXPECT_EQ(VtableSlot(&Vrel_ISemaphore::GetHandle), 4);
+    ExpectSlots<Vrel_ISemaphore>(2, &Vrel_ISemaphore::Post, &Vrel_ISemaphore::Wait,
+                                 &Vrel_ISemaphore::GetHandle);
 }
 
 TEST(Semaphore, CountsFromZero)

@@ -14,10 +14,10 @@
 
 #include <gtest/gtest.h>
 
+using kestrin_test::ExpectSlots;
 using kestrin_test::kFailure;
 using kestrin_test::Pause;
 using kestrin_test::RunningThread;
-using kestrin_test::VtableSlot;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
@@ -57,11 +57,8 @@ void Nothing() {}
 
 TEST(ThreadSlots, FollowTheDestructor)
 {
-    EXPECT_EQ(VtableSlot(&Vrel_IThread::Start), 2);
-    EXPECT_EQ(VtableSlot(&Vrel_IThread::Task), 3);
-    EXPECT_EQ(VtableSlot(&Vrel_IThread::Wait), 4);
-    EXPECT_EQ(VtableSlot(&Vrel_IThread::GetThreadID), 5);
-    EXPECT_EQ(VtableSlot(&Vrel_IThread::SetThreadName), 6);
+    ExpectSlots<Vrel_IThread>(2, &Vrel_IThread::Start, &Vrel_IThread::Task, &Vrel_IThread::Wait,
+                              &Vrel_IThread::GetThreadID, &Vrel_IThread::SetThreadName);
 }
 
 TEST(ThreadPolicies, HaveTheirNumbers)
