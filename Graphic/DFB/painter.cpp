@@ -1,5 +1,6 @@
 #include "painter.h"
 
+#include "canvas.h"
 #include "font.h"
 #include "image.h"
 #include "tdebug.h"
@@ -43,7 +44,7 @@ int Painter::_font_surface_height = -1;
 
 IPainter* zelCreatePainter(ICanvas* canvas)
 {
-    return new Painter(SideOf<CanvasBase>(canvas));
+    return new Painter(BaseOf(canvas));
 }
 
 Painter::Painter(CanvasBase* canvas)
