@@ -19,6 +19,7 @@
 #include "painter_stage.h"
 
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include <benchmark/benchmark.h>

@@ -4,45 +4,18 @@
 #include "DFB/font.h"
 #include "DFB/painter.h"
 #include "engine_display.h"
+#include "quiet_output.h"
 #include "surface_of.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <iostream>
-#include <memory>
 #include <optional>
 #include <vector>
-
-#include <unistd.h>
 
 namespace kestrin_bench {
 
 constexpr int kStageWidth = 1280;
 constexpr int kStageHeight = 720;
-
-/** Sends what is written to the standard output to the error output: results alone go there. */
-class QuietOutput
-{
-public:
-    QuietOutput() : _real((Flush(), dup(STDOUT_FILENO))) { dup2(STDERR_FILENO, STDOUT_FILENO); }
-    ~QuietOutput()
-    {
-        Flush();
-        dup2(_real, STDOUT_FILENO);
-        close(_real);
-    }
-    QuietOutput(const QuietOutput&) = delete;
-    QuietOutput& operator=(const QuietOutput&) = delete;
-
-private:
-    static void Flush()
-    {
-        std::cout.flush();
-        std::fflush(stdout);
-    }
-
-    int _real;
-};
 
 /** Bytes without order; as pixels they have all opacities. */
 inline std::vector<zelxxx::UInt8> Noise(std::size_t size)
