@@ -412,13 +412,15 @@ Job Character(Stage& stage, Size size)
             }};
 }
 
-/** Palette indices of a glyph: a quarter of them is translucent, as at its edges. */
+/** Palette indices of a glyph: opaque strokes of four pixels with translucent edges. */
 Job GlyphIndices(Stage& stage, Size size)
 {
     const auto top = static_cast<Int16>(stage.font->GetFTYOffsetTop(kTextSize));
-    auto indices = Noise(size.Pixels());
-    for (UInt8& index : indices)
-        index = index < 64 ? 1 + index % 48 : index < 128 ? 60 : 0;
+    std::vector<UInt8> indices(size.Pixels());
+    for (std::size_t i = 0; i < indices.size(); ++i) {
+        const UInt8 stroke[] = {0, 0, 0, 0, 0, 10, 60, 60, 60, 60, 20};
+        indices[i] = stroke[i % sizeof stroke];
+    }
     stage.painter->SetBlendMode(BlendSrcOver8BIT);
     return {[painter = stage.painter, font = stage.font, size, top, indices]() mutable {
                 const CharMetrics glyph = {2, size.width, size.height, 0, top, nullptr};

@@ -164,9 +164,11 @@ public:
     const UInt8* RowOf(UInt8 colour) const { return _results[colour]; }
     void Apply(UInt8* pixel, UInt8 colour) const
     {
-        // Without a jump: glyphs mix opaque and translucent colours.
-        const UInt8 result = _results[std::min(colour, kFirstGrey)][*pixel];
-        *pixel = colour < kFirstGrey ? result : colour;
+        // Pictures and glyphs have runs of the one and of the other.
+        if (colour >= kFirstGrey)
+            *pixel = colour;
+        else if (colour != kTransparent)
+            *pixel = _results[colour][*pixel];
     }
 
 private:
@@ -179,7 +181,7 @@ private:
         }
     }
 
-    UInt8 _results[kFirstGrey + 1][256]; // the last one is not used
+    UInt8 _results[kFirstGrey][256];
 };
 
 UInt8 FindNearest(UInt32 colour)
