@@ -148,6 +148,15 @@ void StretchUnder(Surfaces& s, int width, int height)
     s.argb->StretchBlit(s.argb, s.argb_source, &from, &to);
 }
 
+void StretchUnderIndices(Surfaces& s, int width, int height)
+{
+    const DFBRectangle from = {0, 0, 720, 576};
+    const DFBRectangle to = {0, 0, width, height};
+    s.lut->SetBlittingFlags(s.lut, DSBLIT_BLEND_ALPHACHANNEL);
+    s.lut->SetPorterDuff(s.lut, DSPD_DST_OVER);
+    s.lut->StretchBlit(s.lut, s.argb_source, &from, &to);
+}
+
 /** As DirectFB draws a character of a font. */
 void Character(Surfaces& s, int width, int height)
 {
@@ -195,6 +204,7 @@ const std::vector<Operation>& Operations()
         {"character", 4, Character},
         BlitOf("blit_key", DSBLIT_SRC_COLORKEY),
         {"stretch_dst_over", 4, StretchUnder},
+        {"lut8_stretch_dst_over", 1, StretchUnderIndices},
         {"lut8_fill", 1, FillIndices},
         {"lut8_fill_src_over", 1, FillOverIndices},
         {"lut8_blit", 1,
