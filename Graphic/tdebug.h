@@ -16,7 +16,7 @@ constexpr int kLogInformation = 4;
  * Writes where a DirectFB call failed to standard error and hands its text to DirectFBErrorFatal,
  * which normally ends the process.
  */
-void ReportDfbFailure(const char* file, int line, const char* call, DFBResult result);
+[[gnu::cold]] void ReportDfbFailure(const char* file, int line, const char* call, DFBResult result);
 
 } // namespace zelxxx
 

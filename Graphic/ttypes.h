@@ -31,10 +31,12 @@ constexpr RatioValue CombineRatios(RatioValue own, RatioValue outer)
     return static_cast<RatioValue>((static_cast<UInt32>(own) * outer) >> 8);
 }
 
-/** Two opacities combined, rounded down. */
+/** Two opacities combined: a * b / 255, rounded down. */
 constexpr BlendValue CombineBlends(BlendValue a, BlendValue b)
 {
-    return static_cast<BlendValue>(a * b / 255);
+    // For products of two bytes this is the quotient, and loops of it become vectors.
+    const UInt32 product = UInt32{a} * b;
+    return static_cast<BlendValue>((product + 1 + (product >> 8)) >> 8);
 }
 
 /** A product of 32 bits; what passes the range wraps around. */

@@ -65,7 +65,7 @@ void Canvas::Clear(MetricValue x, MetricValue y, MetricValue w, MetricValue h, C
 void Canvas::Copy(MetricValue x, MetricValue y, ICanvas* canvas, MetricValue src_x,
                   MetricValue src_y, MetricValue src_w, MetricValue src_h)
 {
-    IDirectFBSurface* back = SideOf<CanvasBase>(canvas)->GetSurface();
+    IDirectFBSurface* back = BaseOf(canvas)->GetSurface();
     const DFBRectangle rect = {src_x, src_y, src_w, src_h};
     DFBCHECK(_back->Blit(_back, back, &rect, x, y));
 }

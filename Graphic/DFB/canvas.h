@@ -3,6 +3,8 @@
 
 #include "view.h"
 
+#include <typeinfo>
+
 namespace zelxxx {
 
 /**
@@ -38,5 +40,13 @@ private:
     [[maybe_unused]] BlendMode _blend_mode; /**< recorded; painters have a mode of their own */
     IDirectFBSurface* _back;
 };
+
+/** The engine's side of a canvas, null when it has none. Most canvases are off screen. */
+inline CanvasBase* BaseOf(ICanvas* canvas)
+{
+    if (canvas && typeid(*canvas) == typeid(Canvas))
+        return static_cast<Canvas*>(canvas);
+    return SideOf<CanvasBase>(canvas);
+}
 
 } // namespace zelxxx

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace zelxxx {
 
@@ -147,6 +148,42 @@ UInt8 Blend(UInt8 back, UInt8 colour)
     return BlendOverCube(front, mheg_palette[back]);
 }
 
+/**
+ * Blend for all translucent colours, a row each, over all that can be on a surface; the first row,
+ * of colour 0, leaves what is there. Loops over pixels use this instead of OSD_BlendPixels.
+ */
+class BlendTable
+{
+public:
+    static const BlendTable& Get()
+    {
+        static const BlendTable table;
+        return table;
+    }
+    /** Over a background, indexed by it. Of the colours below kFirstGrey. */
+    const UInt8* RowOf(UInt8 colour) const { return _results[colour]; }
+    void Apply(UInt8* pixel, UInt8 colour) const
+    {
+        // Pictures and glyphs have runs of the one and of the other.
+        if (colour >= kFirstGrey)
+            *pixel = colour;
+        else if (colour != kTransparent)
+            *pixel = _results[colour][*pixel];
+    }
+
+private:
+    BlendTable() : _results()
+    {
+        for (int back = 0; back < 256; ++back) {
+            _results[kTransparent][back] = static_cast<UInt8>(back);
+            for (UInt8 colour = kFirstSemi; colour < kFirstGrey; ++colour)
+                _results[colour][back] = Blend(static_cast<UInt8>(back), colour);
+        }
+    }
+
+    UInt8 _results[kFirstGrey][256];
+};
+
 UInt8 FindNearest(UInt32 colour)
 {
     const UInt8 transparency = static_cast<UInt8>(~(colour >> 24));
@@ -183,7 +220,28 @@ struct Span
         first = std::max(first, -int64_t{position});
         last = std::min(last, int64_t{room} - position);
     }
+    int64_t Length() const { return last - first; }
 };
+
+/** Draws a row of palette colours over another. */
+void BlendRow(UInt8* pixels, const UInt8* colours, int64_t count)
+{
+    const BlendTable& table = BlendTable::Get();
+    for (int64_t i = 0; i < count; ++i)
+        table.Apply(pixels + i, colours[i]);
+}
+
+/** Draws one palette colour over a row. */
+void BlendRow(UInt8* pixels, UInt8 colour, int64_t count)
+{
+    if (colour >= kFirstGrey) {
+        std::memset(pixels, colour, static_cast<std::size_t>(count));
+        return;
+    }
+    const UInt8* results = BlendTable::Get().RowOf(colour);
+    for (int64_t i = 0; i < count; ++i)
+        pixels[i] = results[pixels[i]];
+}
 
 /** The row of a locked surface or bitmap. */
 UInt8* Row(void* pixels, std::ptrdiff_t pitch, int64_t row)
@@ -287,11 +345,9 @@ void MHEG_displayRectangle(IDirectFBSurface* dest_surf, Int32 x1, Int32 y1, Int3
     void* surf_data = nullptr;
     int ret_pitch = 0;
     DFBCHECK(dest_surf->Lock(dest_surf, DSLF_WRITE, &surf_data, &ret_pitch));
-    for (Int32 y = y1; y <= y2; ++y) {
-        UInt8* row = Row(surf_data, ret_pitch, y);
-        for (Int32 x = x1; x <= x2; ++x)
-            OSD_BlendPixels(row + x, static_cast<UInt8>(color));
-    }
+    for (Int32 y = y1; y <= y2; ++y)
+        BlendRow(Row(surf_data, ret_pitch, y) + x1, static_cast<UInt8>(color),
+                 int64_t{x2} - x1 + 1);
     DFBCHECK(dest_surf->Unlock(dest_surf));
 }
 
@@ -306,11 +362,10 @@ void MHEG_draw_bitmap(IDirectFBSurface* dest_surf, Int32 X, Int32 Y, Int32 row_b
     dest_surf->GetSize(dest_surf, &room_x, &room_y);
     const Span columns(X, width, room_x);
     const Span rows(Y, height, room_y);
-    for (int64_t row = rows.first; row < rows.last; ++row) {
+    for (int64_t row = rows.first; columns.Length() > 0 && row < rows.last; ++row) {
         const UInt8* source = Row(src_img, row_byte, SrcY + row);
         UInt8* pixels = Row(surf_data, ret_pitch, Y + row);
-        for (int64_t column = columns.first; column < columns.last; ++column)
-            OSD_BlendPixels(pixels + (X + column), source[SrcX + column]);
+        BlendRow(pixels + (X + columns.first), source + (SrcX + columns.first), columns.Length());
     }
     DFBCHECK(dest_surf->Unlock(dest_surf));
 }
@@ -332,11 +387,10 @@ void MHEG_draw_bitmap(IDirectFBSurface* dest_surf, Int32 X, Int32 Y, Int32 width
     src_surf->GetSize(src_surf, &room_x, &room_y);
     columns.CutAt(SrcX, room_x);
     rows.CutAt(SrcY, room_y);
-    for (int64_t row = rows.first; row < rows.last; ++row) {
+    for (int64_t row = rows.first; columns.Length() > 0 && row < rows.last; ++row) {
         const UInt8* source = Row(surf_data_src, ret_pitch_src, SrcY + row);
         UInt8* pixels = Row(surf_data_dst, ret_pitch_dst, Y + row);
-        for (int64_t column = columns.first; column < columns.last; ++column)
-            OSD_BlendPixels(pixels + (X + column), source[SrcX + column]);
+        BlendRow(pixels + (X + columns.first), source + (SrcX + columns.first), columns.Length());
     }
     DFBCHECK(src_surf->Unlock(src_surf));
     DFBCHECK(dest_surf->Unlock(dest_surf));

@@ -59,6 +59,50 @@ FT_Error OpenMemory(FT_Library library, const char* content, int length, FT_Face
     return FT_New_Memory_Face(library, reinterpret_cast<const FT_Byte*>(content), length, 0, face);
 }
 
+/**
+ * While it lives, the memory that FreeType takes comes filled with zeros.
+ *
+ * FreeType 2.12 counts the bytes in its cache from whatever the memory of a new cache manager held.
+ * From a large number on, every new glyph drives all others out, and each is rendered anew whenever
+ * it is drawn.
+ */
+class ZeroedMemory
+{
+public:
+    explicit ZeroedMemory(FT_Library library)
+    {
+        // A face is where FreeType shows its memory.
+        FT_Face face = nullptr;
+        if (OpenMemory(library, kBlankFont, sizeof kBlankFont - 1, &face))
+            return;
+        _memory = face->memory;
+        FT_Done_Face(face);
+        s_alloc = _memory->alloc;
+        _memory->alloc = AllocZeroed;
+    }
+    ~ZeroedMemory()
+    {
+        if (_memory)
+            _memory->alloc = s_alloc;
+    }
+    ZeroedMemory(const ZeroedMemory&) = delete;
+    ZeroedMemory& operator=(const ZeroedMemory&) = delete;
+
+private:
+    static void* AllocZeroed(FT_Memory memory, long size)
+    {
+        void* block = s_alloc(memory, size);
+        if (block)
+            std::memset(block, 0, static_cast<std::size_t>(size));
+        return block;
+    }
+
+    FT_Memory _memory = nullptr;
+    static FT_Alloc_Func s_alloc;
+};
+
+FT_Alloc_Func ZeroedMemory::s_alloc = nullptr;
+
 /** Signed quotient, cut to 32 bits; 0 without a divisor. The operands leave 64 bits no overflow. */
 Int32 Divide(int64_t dividend, int64_t divisor)
 {
@@ -126,6 +170,7 @@ bool Font::Initialize()
     if (initialized)
         return true;
     FT_Init_FreeType(&s_library);
+    const ZeroedMemory zeroed(s_library);
     FTC_Manager_New(s_library, 16, 32, 0x80000, Requester, nullptr, &s_manager);
     FTC_CMapCache_New(s_manager, &s_mapCache);
     FTC_SBitCache_New(s_manager, &s_bitCache);

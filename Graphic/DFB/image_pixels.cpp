@@ -107,6 +107,10 @@ void PixelReader::Indices(Int32 x, Int32 y, Int32 count, UInt8* to) const
         return;
     }
     const UInt8* row = _data + _row_bytes * y;
+    if (_mode == Color8Bit) {
+        std::memcpy(to, row + x, static_cast<std::size_t>(count));
+        return;
+    }
     for (Int32 i = 0; i < count; ++i)
         to[i] = Index(row, x + i);
 }

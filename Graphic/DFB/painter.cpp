@@ -1,5 +1,6 @@
 #include "painter.h"
 
+#include "canvas.h"
 #include "font.h"
 #include "image.h"
 #include "tdebug.h"
@@ -43,7 +44,7 @@ int Painter::_font_surface_height = -1;
 
 IPainter* zelCreatePainter(ICanvas* canvas)
 {
-    return new Painter(SideOf<CanvasBase>(canvas));
+    return new Painter(BaseOf(canvas));
 }
 
 Painter::Painter(CanvasBase* canvas)
@@ -370,12 +371,13 @@ bool Painter::WriteGlyph(IDirectFBSurface* img_surf, const CharMetrics& glyph, C
     if (fits) {
         const UInt32 rgb = static_cast<UInt32>(LowRed(color)) << 16 |
                            static_cast<UInt32>(LowGreen(color)) << 8 | LowBlue(color);
+        const Int32 width = glyph.width;
         const UInt8* coverage = glyph.buffer;
         auto* row = static_cast<UInt8*>(surf_data);
-        for (Int32 y = 0; y < glyph.height; ++y, row += ret_pitch) {
-            auto* pixel = reinterpret_cast<UInt32*>(row);
-            for (Int32 x = 0; x < glyph.width; ++x)
-                *pixel++ = static_cast<UInt32>(CombineBlends(*coverage++, blend)) << 24 | rgb;
+        for (Int32 y = 0; y < glyph.height; ++y, row += ret_pitch, coverage += width) {
+            auto* pixels = reinterpret_cast<UInt32*>(row);
+            for (Int32 x = 0; x < width; ++x)
+                pixels[x] = static_cast<UInt32>(CombineBlends(coverage[x], blend)) << 24 | rgb;
         }
     }
     DFBCHECK(img_surf->Unlock(img_surf));

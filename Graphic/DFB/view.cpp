@@ -1,5 +1,6 @@
 #include "view.h"
 
+#include "canvas.h"
 #include "palette.h"
 #include "tdebug.h"
 
@@ -62,7 +63,7 @@ void View::Clear(MetricValue, MetricValue, MetricValue, MetricValue, ColorValue 
 void View::Copy(MetricValue x, MetricValue y, ICanvas* canvas, MetricValue src_x, MetricValue src_y,
                 MetricValue src_w, MetricValue src_h)
 {
-    IDirectFBSurface* back = SideOf<CanvasBase>(canvas)->GetSurface();
+    IDirectFBSurface* back = BaseOf(canvas)->GetSurface();
     const DFBRectangle rect = {src_x, src_y, src_w, src_h};
 
     if (src_w == kSubtitledFrameWidth && src_h == kSubtitledFrameHeight && _surface_subtitle) {

@@ -136,7 +136,6 @@ bool Drawing::IsStretchUnder(const CardState& state)
 {
     return state.blittingflags == DSBLIT_BLEND_ALPHACHANNEL &&
            state.src_blend == DSBF_INVDESTALPHA && state.dst_blend == DSBF_ONE &&
-           state.destination->config.format == DSPF_ARGB &&
            state.source->config.format == DSPF_ARGB;
 }
 
@@ -371,6 +370,36 @@ void Drawing::BlendIndices(Target to, Source from, Size size) const
 }
 
 /**
+ * Puts colours below a row of palette indices and takes the nearest that the palette has. Below
+ * opaque ones, and where there is nothing to put, that depends on the index alone.
+ */
+void Drawing::PutUnderIndices(std::uint8_t* to, const std::uint32_t* from, int count,
+                              IndexTable& alone) const
+{
+    const DFBColor* colors = _target_palette->entries;
+    int last = -1; // an index above `last_from`, and what they became
+    std::uint32_t last_from = 0;
+    std::uint8_t last_result = 0;
+    for (int i = 0; i < count; ++i) {
+        const std::uint8_t index = to[i];
+        if (from[i] == 0 || colors[index].a == 255) {
+            to[i] = alone(index, [&](std::uint8_t kept) {
+                return NearestIndex(_target_palette, PixelOf(colors[kept]));
+            });
+            continue;
+        }
+        if (index != last || from[i] != last_from) {
+            std::uint32_t pixel = PixelOf(colors[index]);
+            _kernels->blit_under(RowOf(&pixel), SourceRowOf(&from[i]), {1, 1});
+            last_result = NearestIndex(_target_palette, pixel);
+            last = index;
+            last_from = from[i];
+        }
+        to[i] = last_result;
+    }
+}
+
+/**
  * Puts a stretched picture below what is there, taking for each pixel the one source pixel at its
  * upper left. Steps and phases are 16.16 fixed point and rounded down.
  */
@@ -385,6 +414,7 @@ bool Drawing::StretchBlit(const DFBRectangle& from, const DFBRectangle& to) cons
     const int bottom = std::min(to.y + to.h - 1, _clip.y2);
     const int step_x = (from.w << 16) / to.w;
     const int step_y = (from.h << 16) / to.h;
+    IndexTable alone;
 
     for (int y = top; y <= bottom; ++y) {
         const int source_y = from.y + (step_y * (y - to.y) >> 16);
@@ -395,7 +425,10 @@ bool Drawing::StretchBlit(const DFBRectangle& from, const DFBRectangle& to) cons
             int position = step_x * (x - to.x);
             for (int i = 0; i < width; ++i, position += step_x)
                 row[i] = source[position >> 16];
-            _kernels->blit_under(At(x, y), SourceRowOf(row), {width, 1});
+            if (_target_format == DSPF_LUT8)
+                PutUnderIndices(At(x, y).start, row, width, alone);
+            else
+                _kernels->blit_under(At(x, y), SourceRowOf(row), {width, 1});
         }
     }
     return true;

@@ -12,6 +12,7 @@
 
 namespace kestrin_gfx {
 
+class IndexTable;
 class PairTable;
 
 /** DirectFB keeps it in memory that it has filled with zeros, so it has no constructor. */
@@ -77,6 +78,8 @@ private:
     void BlitFromPalette(Target to, Source from, Size size) const;
     void BlitIndices(Target to, Source from, Size size) const;
     void BlendIndices(Target to, Source from, Size size) const;
+    void PutUnderIndices(std::uint8_t* to, const std::uint32_t* from, int count,
+                         IndexTable& alone) const;
 
     const Kernels* _kernels;
     PairTable* _pairs;

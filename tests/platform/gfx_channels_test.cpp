@@ -179,6 +179,28 @@ TEST(GfxChannels, StretchUnder)
     }));
 }
 
+/** Indices of all opacities, some of them with the same colour, above pixels of which many are 0.
+ */
+TEST(GfxChannels, StretchUnderIndices)
+{
+    EXPECT_TRUE(DriverDrawsTheSame([](Studio& studio) {
+        IDirectFBSurface* from = studio.Make(levels / 2, levels, DSPF_ARGB);
+        studio.Write(from, [](int x, int y) { return y % 3 == 0 ? 0 : Ramp(2 * x, y); });
+        for (const std::uint32_t color : colors) {
+            IDirectFBSurface* to = studio.Make(levels, levels, DSPF_LUT8);
+            studio.SetColors(to, [&](int index) {
+                return Word(index % 5 == 0 ? 255 : index / 2 * 2, static_cast<int>(color),
+                            index / 2 * 2, static_cast<int>(255 - color));
+            });
+            studio.Write(to, [](int x, int) { return static_cast<std::uint32_t>(x); });
+            to->SetBlittingFlags(to, DSBLIT_BLEND_ALPHACHANNEL);
+            to->SetPorterDuff(to, DSPD_DST_OVER);
+            to->StretchBlit(to, from, nullptr, nullptr);
+            studio.Show(to);
+        }
+    }));
+}
+
 /** Each index of a palette below a fill of each opacity. */
 void FillIndicesAtEachOpacity(Studio& studio, DFBSurfacePorterDuffRule rule)
 {

@@ -267,10 +267,10 @@ TEST(GfxRectangles, BlitsOfFadedCoverage)
     EXPECT_TRUE(DriverDrawsTheSame(BlitsOfCoverage(image | DSBLIT_COLORIZE)));
 }
 
-TEST(GfxRectangles, StretchesUnder)
+Scene StretchesUnder(DFBSurfacePixelFormat format)
 {
-    EXPECT_TRUE(DriverDrawsTheSame(Rounds(200, [](Studio& studio, Dice& dice) {
-        IDirectFBSurface* to = dice.Surface(DSPF_ARGB);
+    return Rounds(200, [=](Studio& studio, Dice& dice) {
+        IDirectFBSurface* to = dice.Surface(format);
         IDirectFBSurface* from = dice.Surface(DSPF_ARGB);
         to->SetBlittingFlags(to, DSBLIT_BLEND_ALPHACHANNEL);
         to->SetPorterDuff(to, DSPD_DST_OVER);
@@ -285,7 +285,17 @@ TEST(GfxRectangles, StretchesUnder)
         studio.Show(to);
         to->Release(to);
         from->Release(from);
-    })));
+    });
+}
+
+TEST(GfxRectangles, StretchesUnderColours)
+{
+    EXPECT_TRUE(DriverDrawsTheSame(StretchesUnder(DSPF_ARGB)));
+}
+
+TEST(GfxRectangles, StretchesUnderIndices)
+{
+    EXPECT_TRUE(DriverDrawsTheSame(StretchesUnder(DSPF_LUT8)));
 }
 
 TEST(GfxRectangles, StretchWiderThanItsBuffer)

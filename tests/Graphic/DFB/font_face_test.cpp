@@ -226,6 +226,27 @@ TEST_F(FontTest, InitializeAgainKeepsFreeTypeAndItsFaces)
     std::exit(good ? 0 : 1);
 }
 
+TEST(FontCache, KeepsGlyphsWhateverItsMemoryHeldBefore)
+{
+    {
+        // FreeType finds them in the blocks that it takes next.
+        std::vector<std::unique_ptr<std::string>> leftovers;
+        for (std::size_t size = 16; size < 4096; size += 16) {
+            for (int i = 0; i < 10; ++i)
+                leftovers.push_back(std::make_unique<std::string>(size, '\x7f'));
+        }
+    }
+    Font::Initialize();
+    const PFont font = OpenFile(kSans);
+    UInt8* const first_pixel = GlyphOf(*font, 'H', 24).buffer;
+    const auto mark = static_cast<UInt8>(*first_pixel - 1);
+    *first_pixel = mark;
+    for (WChar ch = 0x400; ch < 0x460; ++ch)
+        GlyphOf(*font, ch, 24);
+    EXPECT_EQ(GlyphOf(*font, 'H', 24).buffer, first_pixel);
+    EXPECT_EQ(*first_pixel, mark); // and was not rendered anew
+}
+
 TEST(FontDeathTest, AfterUninitializeEverythingIsZeroAlsoAfterAnotherInitialize)
 {
     EXPECT_EXIT(LookUpAfterTheEnd(), testing::ExitedWithCode(0), "");
