@@ -92,6 +92,14 @@ struct Scene
     double ChangedPixels() const;
 };
 
+/** A straight colour with its channels multiplied by its opacity. */
+constexpr std::uint32_t Premultiplied(std::uint32_t argb)
+{
+    const std::uint32_t alpha = argb >> 24;
+    return alpha << 24 | (argb >> 16 & 0xff) * alpha / 255 << 16 |
+           (argb >> 8 & 0xff) * alpha / 255 << 8 | (argb & 0xff) * alpha / 255;
+}
+
 constexpr std::uint32_t kBackground = 0xff202020;
 constexpr std::uint8_t kBackgroundIndex = 53;
 
