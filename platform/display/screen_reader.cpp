@@ -1,5 +1,7 @@
 #include "screen_reader.h"
 
+#include "pixel_bytes.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -41,8 +43,7 @@ std::uint32_t Pack(std::uint32_t a, std::uint32_t r, std::uint32_t g, std::uint3
 
 std::uint32_t ConvertPixel(const LayerFacts& facts, const std::uint8_t* pixel)
 {
-    std::uint32_t value = 0;
-    std::memcpy(&value, pixel, BytesPerPixel(facts.format));
+    const std::uint32_t value = LoadPixel(pixel, BytesPerPixel(facts.format));
 
     switch (facts.format) {
     case PixelFormat::Lut8:
