@@ -9,6 +9,9 @@
 #
 # KESTRIN_TEST_ENVIRONMENT is what every test has in its environment; tests that are added without
 # this function (programs run as they are) set their property ENVIRONMENT to it.
+#
+# KESTRIN_EMULATOR stands before the path of a program in a command line that a test runs: another
+# processor's programs need an emulator, and the shell does not know it.
 include_guard()
 
 find_package(GTest REQUIRED)
@@ -16,6 +19,9 @@ include(GoogleTest)
 
 set(KESTRIN_TEST_ENVIRONMENT
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
+
+set(KESTRIN_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR} "")
+list(JOIN KESTRIN_EMULATOR " " KESTRIN_EMULATOR)
 
 function(kestrin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 TEST "" "LABEL" "SOURCES;LIBRARIES")
