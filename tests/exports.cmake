@@ -1,6 +1,9 @@
 # Compares what a shared library exports with a list.
 #
-#     cmake -D NM=nm -D LIBRARY=libkestrin.so -D LIST=exports.txt -P exports.cmake
+#     cmake -D NM=nm "-DSIZE_T=unsigned long" -D LIBRARY=libkestrin.so -D LIST=exports.txt
+#         -P exports.cmake
+#
+# SIZE_T is what size_t of the list is called in a library's symbols.
 #
 # Left out, since they follow from the classes: virtual tables, type information and thunks. Of
 # several variants of a destructor the list has one line.
@@ -19,6 +22,7 @@ endforeach()
 list(REMOVE_DUPLICATES exported)
 
 file(STRINGS ${LIST} expected REGEX "^[^#]")
+list(TRANSFORM expected REPLACE "size_t" "${SIZE_T}")
 set(extra ${exported})
 list(REMOVE_ITEM extra ${expected})
 set(missing ${expected})
