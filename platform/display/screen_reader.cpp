@@ -51,9 +51,8 @@ std::uint32_t ConvertPixel(const LayerFacts& facts, const std::uint8_t* pixel)
     case PixelFormat::Argb:
         return value;
     case PixelFormat::Rgb32:
-        return value | 0xff000000;
     case PixelFormat::Rgb24:
-        return Pack(255, pixel[2], pixel[1], pixel[0]);
+        return value | 0xff000000;
     case PixelFormat::Rgb16:
         return Pack(255, Widen(value >> 11, 5), Widen(value >> 5, 6), Widen(value, 5));
     case PixelFormat::Argb1555:
