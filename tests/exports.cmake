@@ -5,8 +5,9 @@
 #
 # SIZE_T is what size_t of the list is called in a library's symbols.
 #
-# Left out, since they follow from the classes: virtual tables, type information and thunks. Of
-# several variants of a destructor the list has one line.
+# Left out, since they follow from the classes: virtual tables, type information and thunks; and what
+# compilers emit of the standard library, which is visible whatever they are told. Of several variants
+# of a destructor the list has one line.
 execute_process(COMMAND ${NM} --dynamic --defined-only --demangle ${LIBRARY}
     OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE ";" "\\;" output "${output}")
@@ -15,7 +16,7 @@ string(REGEX MATCHALL "[^\n]+" lines "${output}")
 set(exported)
 foreach(line IN LISTS lines)
     string(REGEX REPLACE "^[0-9a-f]+ . " "" symbol "${line}")
-    if(NOT symbol MATCHES "^(vtable for|typeinfo for|typeinfo name for|VTT for|(non-)?virtual thunk to) ")
+    if(NOT symbol MATCHES "^(vtable for|typeinfo for|typeinfo name for|VTT for|(non-)?virtual thunk to) |^std::")
         list(APPEND exported "${symbol}")
     endif()
 endforeach()
