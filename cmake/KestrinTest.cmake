@@ -4,11 +4,15 @@
 #
 # builds the GoogleTest program dirty_test, linked to the libraries and to GoogleMock's main, and
 # gives CTest one test for each of its test cases, named dirty_test.Suite.Case. Every case runs in a
-# process of its own and may take 60 seconds. The cases are asked for when CTest runs, not while the
+# process of its own and may take a minute. The cases are asked for when CTest runs, not while the
 # program is built. LABEL os gives them a label to choose them by.
 #
 # KESTRIN_TEST_ENVIRONMENT is what every test has in its environment; tests that are added without
 # this function (programs run as they are) set their property ENVIRONMENT to it.
+#
+# KESTRIN_EMULATOR stands before the path of a program in a command line that a test runs: another
+# processor's programs need an emulator, and the shell does not know it. What is emulated may take
+# five minutes.
 include_guard()
 
 find_package(GTest REQUIRED)
@@ -16,6 +20,14 @@ include(GoogleTest)
 
 set(KESTRIN_TEST_ENVIRONMENT
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
+
+set(KESTRIN_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR} "")
+list(JOIN KESTRIN_EMULATOR " " KESTRIN_EMULATOR)
+if(KESTRIN_EMULATOR)
+    set(KESTRIN_TEST_TIMEOUT 300)
+else()
+    set(KESTRIN_TEST_TIMEOUT 60)
+endif()
 
 function(kestrin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 TEST "" "LABEL" "SOURCES;LIBRARIES")
@@ -33,5 +45,6 @@ function(kestrin_add_test name)
     gtest_discover_tests(${name}
         TEST_PREFIX ${name}.
         DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT 60 ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}" ${label})
+        DISCOVERY_TIMEOUT ${KESTRIN_TEST_TIMEOUT}
+        PROPERTIES TIMEOUT ${KESTRIN_TEST_TIMEOUT} ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}" ${label})
 endfunction()

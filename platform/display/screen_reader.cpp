@@ -1,5 +1,7 @@
 #include "screen_reader.h"
 
+#include "pixel_bytes.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -41,8 +43,7 @@ std::uint32_t Pack(std::uint32_t a, std::uint32_t r, std::uint32_t g, std::uint3
 
 std::uint32_t ConvertPixel(const LayerFacts& facts, const std::uint8_t* pixel)
 {
-    std::uint32_t value = 0;
-    std::memcpy(&value, pixel, BytesPerPixel(facts.format));
+    const std::uint32_t value = LoadPixel(pixel, BytesPerPixel(facts.format));
 
     switch (facts.format) {
     case PixelFormat::Lut8:
@@ -50,9 +51,8 @@ std::uint32_t ConvertPixel(const LayerFacts& facts, const std::uint8_t* pixel)
     case PixelFormat::Argb:
         return value;
     case PixelFormat::Rgb32:
-        return value | 0xff000000;
     case PixelFormat::Rgb24:
-        return Pack(255, pixel[2], pixel[1], pixel[0]);
+        return value | 0xff000000;
     case PixelFormat::Rgb16:
         return Pack(255, Widen(value >> 11, 5), Widen(value >> 5, 6), Widen(value, 5));
     case PixelFormat::Argb1555:

@@ -326,8 +326,9 @@ TEST(Encoding, EveryFailedConversionKeepsItsConverter)
             convert();
         return mallinfo2().uordblks - before;
     };
-    EXPECT_EQ(growth("AB"), 0U);
-    EXPECT_GE(growth("\xFF"), 100U);
+    // A converter is more than a byte; the heap's own caches may take a few bytes once.
+    EXPECT_LT(growth("AB"), 100U);
+    EXPECT_GE(growth("\xFF"), 10000U);
 }
 
 } // namespace

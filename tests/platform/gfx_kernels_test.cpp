@@ -4,6 +4,7 @@
  */
 #include "guarded_buffer.h"
 #include "kernels.h"
+#include "pixel_bytes.h"
 #include "seeded_random.h"
 
 #include <algorithm>
@@ -14,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+using kestrin_display::LoadPixel;
+using kestrin_display::StorePixel;
 using kestrin_gfx::Kernels;
 using kestrin_test::GuardedBuffer;
 using kestrin_test::SeededRandom;
@@ -102,12 +105,12 @@ void ExpectDrawn(const Drawing& draw, const Arithmetic& arithmetic, std::size_t 
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
                 const std::ptrdiff_t column = x * static_cast<std::ptrdiff_t>(pixel_bytes);
-                std::uint32_t old = 0;
-                std::uint32_t source = 0;
-                std::memcpy(&old, to.Data() + y * to.Pitch() + column, pixel_bytes);
-                std::memcpy(&source, from.Data() + y * from.Pitch() + column, pixel_bytes);
-                const std::uint32_t pixel = arithmetic(old, source);
-                std::memcpy(expected.data() + y * to.Pitch() + column, &pixel, pixel_bytes);
+                const std::uint32_t old =
+                    LoadPixel(to.Data() + y * to.Pitch() + column, pixel_bytes);
+                const std::uint32_t source =
+                    LoadPixel(from.Data() + y * from.Pitch() + column, pixel_bytes);
+                StorePixel(expected.data() + y * to.Pitch() + column, arithmetic(old, source),
+                           pixel_bytes);
             }
         }
         draw({to.Data(), to.Pitch()}, {from.Data(), from.Pitch()}, {width, height});

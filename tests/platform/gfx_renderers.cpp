@@ -1,10 +1,10 @@
 #include "gfx_renderers.h"
 
 #include "display_fixture.h"
+#include "pixel_bytes.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 
 #include <sys/mman.h>
@@ -106,8 +106,8 @@ void Studio::Write(IDirectFBSurface* surface,
     for (int y = 0; y < height; ++y) {
         auto* row = static_cast<std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
         for (int x = 0; x < width; ++x) {
-            const std::uint32_t value = pixel(x, y);
-            std::memcpy(row + static_cast<std::size_t>(x) * bytes, &value, bytes);
+            kestrin_display::StorePixel(row + static_cast<std::size_t>(x) * bytes, pixel(x, y),
+                                        bytes);
         }
     }
     Require(surface->Unlock(surface));
@@ -142,9 +142,7 @@ void Studio::Show(IDirectFBSurface* surface)
     for (int y = 0; y < height; ++y) {
         const auto* row = static_cast<const std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
         for (int x = 0; x < width; ++x) {
-            std::uint32_t value = 0;
-            std::memcpy(&value, row + static_cast<std::size_t>(x) * bytes, bytes);
-            Show(value);
+            Show(kestrin_display::LoadPixel(row + static_cast<std::size_t>(x) * bytes, bytes));
         }
     }
     Require(surface->Unlock(surface));

@@ -1,7 +1,8 @@
 #include "surface_pixels.h"
 
+#include "pixel_bytes.h"
+
 #include <cstdint>
-#include <cstring>
 #include <stdexcept>
 
 namespace kestrin_test {
@@ -36,11 +37,12 @@ public:
 
     std::uint32_t Read(int x, int y) const
     {
-        std::uint32_t value = 0;
-        std::memcpy(&value, Address(x, y), _bytes);
-        return value;
+        return kestrin_display::LoadPixel(Address(x, y), _bytes);
     }
-    void Write(int x, int y, std::uint32_t value) { std::memcpy(Address(x, y), &value, _bytes); }
+    void Write(int x, int y, std::uint32_t value)
+    {
+        kestrin_display::StorePixel(Address(x, y), value, _bytes);
+    }
 
     int width = 0;
     int height = 0;

@@ -109,7 +109,7 @@ TEST_F(FontTest, KerningIsFontUnitsTimesSize)
 // ---- Unit conversions ----
 
 /** The first division of the two conversions, by arithmetic that cannot overflow. */
-using Wide = __int128;
+using Wide = std::int64_t;
 
 Int32 Pixels(Int32 val, Int32 units)
 {

@@ -1,0 +1,8 @@
+# A big-endian processor. Programs run here by QEMU.
+set(CMAKE_SYSTEM_PROCESSOR s390x)
+set(KESTRIN_COMPILER s390x-linux-gnu)
+set(KESTRIN_MULTIARCH s390x-linux-gnu)
+get_filename_component(KESTRIN_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/s390x ABSOLUTE)
+include(${CMAKE_CURRENT_LIST_DIR}/debian.cmake)
+
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-s390x -L ${KESTRIN_SYSROOT})
