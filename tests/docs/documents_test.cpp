@@ -8,10 +8,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -19,12 +19,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <regex.h>
 
 namespace {
 
 namespace fs = std::filesystem;
 
 const fs::path kRoot = KESTRIN_SOURCE_DIR;
+
+/** Where a link leads. */
+constexpr char kLink[] = R"(\]\(([^)[:space:]]+)\))";
 
 std::string ContentOf(const fs::path& name)
 {
@@ -55,13 +59,34 @@ std::vector<fs::path> SourcesWith(const std::string& extension, const fs::path& 
     return found;
 }
 
-std::vector<std::string> FindAll(const std::string& text, const std::string& pattern)
+/** All matches of an extended POSIX expression, each with what its groups matched. */
+std::vector<std::vector<std::string>> MatchesOf(const std::string& text, const char* pattern)
 {
-    const std::regex expression(pattern);
+    regex_t expression;
+    std::vector<std::vector<std::string>> found;
+    if (regcomp(&expression, pattern, REG_EXTENDED | REG_NEWLINE) != 0) {
+        ADD_FAILURE() << "no expression: " << pattern;
+        return found;
+    }
+    regmatch_t groups[4];
+    const char* rest = text.c_str();
+    for (; regexec(&expression, rest, 4, groups, 0) == 0; rest += groups[0].rm_eo) {
+        found.emplace_back();
+        for (const regmatch_t& group : groups)
+            found.back().push_back(group.rm_so < 0
+                                       ? std::string()
+                                       : std::string(rest + group.rm_so, rest + group.rm_eo));
+    }
+    regfree(&expression);
+    return found;
+}
+
+/** What the first group of an expression matched, everywhere. */
+std::vector<std::string> FindAll(const std::string& text, const char* pattern)
+{
     std::vector<std::string> found;
-    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end;
-         ++match)
-        found.push_back((*match)[1]);
+    for (const std::vector<std::string>& match : MatchesOf(text, pattern))
+        found.push_back(match[1]);
     return found;
 }
 
@@ -89,7 +114,7 @@ TEST(Documents, LinksLeadSomewhere)
     std::size_t links = 0;
     for (const fs::path& page : SourcesWith(".md")) {
         SCOPED_TRACE(page);
-        for (const std::string& link : FindAll(ContentOf(page), R"(\]\(([^)\s]+)\))")) {
+        for (const std::string& link : FindAll(ContentOf(page), kLink)) {
             if (link.find("://") != std::string::npos)
                 continue;
             ++links;
@@ -110,7 +135,7 @@ TEST(Documents, ExcerptsAreInTheFilesNamedBeforeThem)
     const std::string open = "\n```cpp\n", close = "```\n";
     int excerpts = 0;
     for (std::size_t at = 0; (at = page.find(open, at)) != std::string::npos; ++excerpts) {
-        const std::string file = FindAll(page.substr(0, at), R"(\]\(([^)\s]+)\))").back();
+        const std::string file = FindAll(page.substr(0, at), kLink).back();
         at += open.size();
         const std::string excerpt = page.substr(at, page.find(close, at) - at);
         EXPECT_THAT(ContentOf(kRoot / file), testing::HasSubstr(excerpt)) << file;
@@ -130,14 +155,13 @@ TEST(Behaviours, TestsThatAreNamedExist)
 {
     std::set<std::string> tests;
     for (const fs::path& source : SourcesWith(".cpp", kRoot / "tests")) {
-        const std::string text = ContentOf(source);
-        const std::regex definition(R"(\nTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\))");
-        for (std::sregex_iterator match(text.begin(), text.end(), definition), end; match != end;
-             ++match)
-            tests.insert(match->str(1) + "." + match->str(2));
+        for (const std::vector<std::string>& match :
+             MatchesOf(ContentOf(source), "^TEST(_F|_P)?\\([[:space:]]*([A-Za-z0-9_]+),"
+                                          "[[:space:]]*([A-Za-z0-9_]+)\\)"))
+            tests.insert(match[2] + "." + match[3]);
     }
-    const auto named =
-        FindAll(ContentOf(kRoot / "docs/behaviours.md"), R"(`([A-Z]\w*\.[A-Z]\w*)`)");
+    const auto named = FindAll(ContentOf(kRoot / "docs/behaviours.md"),
+                               "`([A-Z][A-Za-z0-9]*[.][A-Z][A-Za-z0-9]*)`");
     EXPECT_GT(named.size(), 200u);
     for (const std::string& test : named)
         EXPECT_EQ(tests.count(test), 1u) << test;
@@ -178,7 +202,7 @@ protected:
         std::vector<std::string> block = Block("$ " + command);
         block.erase(block.begin());
         for (const std::string& line : block) {
-            char offset[9];
+            char offset[20];
             std::snprintf(offset, sizeof offset, "%08zx", bytes.size());
             EXPECT_EQ(line.substr(0, 10), std::string(offset) + ": ");
             for (const std::string& byte : FindAll(line.substr(10, 48), "([0-9a-f]{2}) "))
