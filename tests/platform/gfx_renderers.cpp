@@ -56,6 +56,27 @@ private:
     void* _memory;
 };
 
+/** Locks a surface and visits its pixels row by row, as (address, bytes, x, y). */
+template <class Visit>
+void VisitPixels(IDirectFBSurface* surface, DFBSurfaceLockFlags access, Visit visit)
+{
+    DFBSurfacePixelFormat format = DSPF_UNKNOWN;
+    int width = 0;
+    int height = 0;
+    void* data = nullptr;
+    int pitch = 0;
+    Require(surface->GetPixelFormat(surface, &format));
+    Require(surface->GetSize(surface, &width, &height));
+    Require(surface->Lock(surface, access, &data, &pitch));
+    const std::size_t bytes = DFB_BYTES_PER_PIXEL(format);
+    for (int y = 0; y < height; ++y) {
+        auto* row = static_cast<std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
+        for (int x = 0; x < width; ++x)
+            visit(row + static_cast<std::size_t>(x) * bytes, bytes, x, y);
+    }
+    Require(surface->Unlock(surface));
+}
+
 /** The first word tells how many follow. */
 void DrawHere(Renderer renderer, const Scene& scene, std::uint32_t* words)
 {
@@ -94,23 +115,10 @@ IDirectFBSurface* Studio::Make(int width, int height, DFBSurfacePixelFormat form
 void Studio::Write(IDirectFBSurface* surface,
                    const std::function<std::uint32_t(int x, int y)>& pixel)
 {
-    DFBSurfacePixelFormat format = DSPF_UNKNOWN;
-    int width = 0;
-    int height = 0;
-    void* data = nullptr;
-    int pitch = 0;
-    Require(surface->GetPixelFormat(surface, &format));
-    Require(surface->GetSize(surface, &width, &height));
-    Require(surface->Lock(surface, DSLF_WRITE, &data, &pitch));
-    const std::size_t bytes = DFB_BYTES_PER_PIXEL(format);
-    for (int y = 0; y < height; ++y) {
-        auto* row = static_cast<std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
-        for (int x = 0; x < width; ++x) {
-            const std::uint32_t value = pixel(x, y);
-            std::memcpy(row + static_cast<std::size_t>(x) * bytes, &value, bytes);
-        }
-    }
-    Require(surface->Unlock(surface));
+    VisitPixels(surface, DSLF_WRITE, [&](std::uint8_t* address, std::size_t bytes, int x, int y) {
+        const std::uint32_t value = pixel(x, y);
+        std::memcpy(address, &value, bytes);
+    });
 }
 
 void Studio::SetColors(IDirectFBSurface* surface,
@@ -130,24 +138,11 @@ void Studio::SetColors(IDirectFBSurface* surface,
 
 void Studio::Show(IDirectFBSurface* surface)
 {
-    DFBSurfacePixelFormat format = DSPF_UNKNOWN;
-    int width = 0;
-    int height = 0;
-    void* data = nullptr;
-    int pitch = 0;
-    Require(surface->GetPixelFormat(surface, &format));
-    Require(surface->GetSize(surface, &width, &height));
-    Require(surface->Lock(surface, DSLF_READ, &data, &pitch));
-    const std::size_t bytes = DFB_BYTES_PER_PIXEL(format);
-    for (int y = 0; y < height; ++y) {
-        const auto* row = static_cast<const std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
-        for (int x = 0; x < width; ++x) {
-            std::uint32_t value = 0;
-            std::memcpy(&value, row + static_cast<std::size_t>(x) * bytes, bytes);
-            Show(value);
-        }
-    }
-    Require(surface->Unlock(surface));
+    VisitPixels(surface, DSLF_READ, [&](std::uint8_t* address, std::size_t bytes, int, int) {
+        std::uint32_t value = 0;
+        std::memcpy(&value, address, bytes);
+        Show(value);
+    });
 }
 
 void Studio::Show(std::uint32_t number)
