@@ -17,6 +17,12 @@ include(GoogleTest)
 set(KESTRIN_TEST_ENVIRONMENT
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
 
+# Counting lines takes time.
+set(KESTRIN_TEST_SECONDS 60)
+if(KESTRIN_COVERAGE)
+    set(KESTRIN_TEST_SECONDS 600)
+endif()
+
 function(kestrin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 TEST "" "LABEL" "SOURCES;LIBRARIES")
     if(NOT TEST_SOURCES OR TEST_UNPARSED_ARGUMENTS)
@@ -33,5 +39,6 @@ function(kestrin_add_test name)
     gtest_discover_tests(${name}
         TEST_PREFIX ${name}.
         DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT 60 ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}" ${label})
+        PROPERTIES TIMEOUT ${KESTRIN_TEST_SECONDS} ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}"
+            ${label})
 endfunction()
