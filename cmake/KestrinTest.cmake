@@ -28,6 +28,10 @@ if(KESTRIN_EMULATOR)
 else()
     set(KESTRIN_TEST_TIMEOUT 60)
 endif()
+# Counting lines takes time.
+if(KESTRIN_COVERAGE)
+    set(KESTRIN_TEST_TIMEOUT 600)
+endif()
 
 function(kestrin_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 TEST "" "LABEL" "SOURCES;LIBRARIES")
@@ -46,5 +50,6 @@ function(kestrin_add_test name)
         TEST_PREFIX ${name}.
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT ${KESTRIN_TEST_TIMEOUT}
-        PROPERTIES TIMEOUT ${KESTRIN_TEST_TIMEOUT} ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}" ${label})
+        PROPERTIES TIMEOUT ${KESTRIN_TEST_TIMEOUT} ENVIRONMENT "${KESTRIN_TEST_ENVIRONMENT}"
+            ${label})
 endfunction()

@@ -43,6 +43,24 @@ protected:
         EXPECT_FALSE(SamePicture(Repainted(), before));
     }
 
+    /** The outer layer's modifier moves the green rectangle of a nested layer by 20. */
+    void ShowGreenMovedInANestedLayer()
+    {
+        layer->AddWidget(nested);
+        nested->AddWidget(green);
+        layer->AddModifier(mover);
+        EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
+    }
+    void ExpectGreenStaysUntilItsLayerChanges()
+    {
+        EXPECT_EQ(Updated().At(50, 20), Shown(kGreen));
+        EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
+        nested->SetAttribute(AttrPosX, 0);
+        const auto shot = Updated();
+        EXPECT_EQ(shot.At(50, 20), kGrey);
+        EXPECT_EQ(shot.At(32, 32), Shown(kGreen));
+    }
+
     ZELObjPtr<IText> MakeText(int y, int h)
     {
         resource = MakeFontResource();
@@ -58,6 +76,9 @@ protected:
 
     ZELObjPtr<IWidget> red = MakeRectangle(10, 10, 20, 20, kRed);
     ZELObjPtr<IWidget> green = MakeRectangle(15, 15, 20, 20, kGreen);
+    PLayer nested = MakeLayer();
+    ZELObjPtr<IModifier> mover = new TestModifier(
+        [](IWidget* copy) { copy->SetAttribute(AttrPosX, copy->GetAttribute(AttrPosX) + 20); });
     LineFormater formater;
     PResource resource;
 };
@@ -157,20 +178,9 @@ TEST_F(RepaintException, AddedOrRemovedModifierIsNotShown)
 // effect. Not even force moves it back; an attribute of the nested layer does.
 TEST_F(RepaintException, ContentOfANestedLayerStaysWhenTheOuterLayersModifierIsDisabled)
 {
-    PLayer inner = MakeLayer();
-    layer->AddWidget(inner);
-    inner->AddWidget(green);
-    auto* modifier = new TestModifier(
-        [](IWidget* copy) { copy->SetAttribute(AttrPosX, copy->GetAttribute(AttrPosX) + 20); });
-    layer->AddModifier(modifier);
-    EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
-    modifier->Enable(false);
-    EXPECT_EQ(Updated().At(50, 20), Shown(kGreen));
-    EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
-    inner->SetAttribute(AttrPosX, 0);
-    const auto shot = Updated();
-    EXPECT_EQ(shot.At(50, 20), kGrey);
-    EXPECT_EQ(shot.At(32, 32), Shown(kGreen));
+    ShowGreenMovedInANestedLayer();
+    mover->Enable(false);
+    ExpectGreenStaysUntilItsLayerChanges();
 }
 
 TEST_F(RepaintException, ContentOfANestedLayerStaysFadedWhenTheLayerLeavesTheFadingBox)
@@ -192,20 +202,9 @@ TEST_F(RepaintException, ContentOfANestedLayerStaysFadedWhenTheLayerLeavesTheFad
 
 TEST_F(RepaintException, ContentOfANestedLayerStaysWhenTheOuterLayersModifierIsRemoved)
 {
-    PLayer inner = MakeLayer();
-    layer->AddWidget(inner);
-    inner->AddWidget(green);
-    auto* modifier = new TestModifier(
-        [](IWidget* copy) { copy->SetAttribute(AttrPosX, copy->GetAttribute(AttrPosX) + 20); });
-    layer->AddModifier(modifier);
-    EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
-    layer->RemoveModifier(modifier);
-    EXPECT_EQ(Updated().At(50, 20), Shown(kGreen));
-    EXPECT_EQ(Repainted().At(50, 20), Shown(kGreen));
-    inner->SetAttribute(AttrPosX, 0);
-    const auto shot = Updated();
-    EXPECT_EQ(shot.At(50, 20), kGrey);
-    EXPECT_EQ(shot.At(32, 32), Shown(kGreen));
+    ShowGreenMovedInANestedLayer();
+    layer->RemoveModifier(mover);
+    ExpectGreenStaysUntilItsLayerChanges();
 }
 
 TEST_F(RepaintException, ChildOfAHiddenLayerWithoutOpacityBeforeAndAfterStays)

@@ -440,6 +440,20 @@ TEST_F(SceneUpdate, ViewOperationsReachTheDisplay)
     EXPECT_TRUE(zelGetCurrentPalette() == nullptr);
 }
 
+TEST(SceneOnAnIndexedDisplay, SetPaletteEntryChangesOneColourOfTheDisplay)
+{
+    const EngineDisplay engine(64, 48, Color8Bit);
+    ZELObjPtr<IScene> scene(
+        zelCreateScene(0, 64, 48, Color8Bit, SceneUseDoubleBuffer, BlendSrcOver));
+    ZELObjPtr<IPalette> palette(zelCreatePalette(nullptr));
+    scene->SetPalette(palette, 256, 256, 256);
+    const auto before = EngineDisplay::Display().Facts();
+    scene->SetPaletteEntry(7, 1, 2, 3, 4);
+    const auto after = EngineDisplay::Display().Facts();
+    for (int i = 0; i < 256; ++i)
+        EXPECT_EQ(after.palette[i], i == 7 ? 0x04010203U : before.palette[i]) << i;
+}
+
 class FlippingScene : public SceneUpdate
 {
 protected:

@@ -56,6 +56,27 @@ private:
     void* _memory;
 };
 
+/** Locks a surface and visits its pixels row by row, as (address, bytes, x, y). */
+template <class Visit>
+void VisitPixels(IDirectFBSurface* surface, DFBSurfaceLockFlags access, Visit visit)
+{
+    DFBSurfacePixelFormat format = DSPF_UNKNOWN;
+    int width = 0;
+    int height = 0;
+    void* data = nullptr;
+    int pitch = 0;
+    Require(surface->GetPixelFormat(surface, &format));
+    Require(surface->GetSize(surface, &width, &height));
+    Require(surface->Lock(surface, access, &data, &pitch));
+    const std::size_t bytes = DFB_BYTES_PER_PIXEL(format);
+    for (int y = 0; y < height; ++y) {
+        auto* row = static_cast<std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
+        for (int x = 0; x < width; ++x)
+            visit(row + static_cast<std::size_t>(x) * bytes, bytes, x, y);
+    }
+    Require(surface->Unlock(surface));
+}
+
 /** The first word tells how many follow. */
 void DrawHere(Renderer renderer, const Scene& scene, std::uint32_t* words)
 {
@@ -94,23 +115,9 @@ IDirectFBSurface* Studio::Make(int width, int height, DFBSurfacePixelFormat form
 void Studio::Write(IDirectFBSurface* surface,
                    const std::function<std::uint32_t(int x, int y)>& pixel)
 {
-    DFBSurfacePixelFormat format = DSPF_UNKNOWN;
-    int width = 0;
-    int height = 0;
-    void* data = nullptr;
-    int pitch = 0;
-    Require(surface->GetPixelFormat(surface, &format));
-    Require(surface->GetSize(surface, &width, &height));
-    Require(surface->Lock(surface, DSLF_WRITE, &data, &pitch));
-    const std::size_t bytes = DFB_BYTES_PER_PIXEL(format);
-    for (int y = 0; y < height; ++y) {
-        auto* row = static_cast<std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
-        for (int x = 0; x < width; ++x) {
-            kestrin_display::StorePixel(row + static_cast<std::size_t>(x) * bytes, pixel(x, y),
-                                        bytes);
-        }
-    }
-    Require(surface->Unlock(surface));
+    VisitPixels(surface, DSLF_WRITE, [&](std::uint8_t* address, std::size_t bytes, int x, int y) {
+        kestrin_display::StorePixel(address, pixel(x, y), bytes);
+    });
 }
 
 void Studio::SetColors(IDirectFBSurface* surface,
@@ -130,22 +137,9 @@ void Studio::SetColors(IDirectFBSurface* surface,
 
 void Studio::Show(IDirectFBSurface* surface)
 {
-    DFBSurfacePixelFormat format = DSPF_UNKNOWN;
-    int width = 0;
-    int height = 0;
-    void* data = nullptr;
-    int pitch = 0;
-    Require(surface->GetPixelFormat(surface, &format));
-    Require(surface->GetSize(surface, &width, &height));
-    Require(surface->Lock(surface, DSLF_READ, &data, &pitch));
-    const std::size_t bytes = DFB_BYTES_PER_PIXEL(format);
-    for (int y = 0; y < height; ++y) {
-        const auto* row = static_cast<const std::uint8_t*>(data) + std::ptrdiff_t{y} * pitch;
-        for (int x = 0; x < width; ++x) {
-            Show(kestrin_display::LoadPixel(row + static_cast<std::size_t>(x) * bytes, bytes));
-        }
-    }
-    Require(surface->Unlock(surface));
+    VisitPixels(surface, DSLF_READ, [&](std::uint8_t* address, std::size_t bytes, int, int) {
+        Show(kestrin_display::LoadPixel(address, bytes));
+    });
 }
 
 void Studio::Show(std::uint32_t number)

@@ -2,13 +2,10 @@
  * What is reported when a DirectFB call of an image, or of a painter that draws one, fails: each
  * call is made to fail in a child process, which then ends in DirectFB's own fatal report.
  */
-#include "dfb_failure.h"
-#include "display_fixture.h"
 #include "image_support.h"
 #include "nrv2b_stream.h"
+#include "report_case.h"
 #include "temp_directory.h"
-
-#include <ostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,10 +14,12 @@ using kestrin_test::ExitsWith;
 using kestrin_test::FailCall;
 using kestrin_test::kInjected;
 using kestrin_test::MemoryImage;
+using kestrin_test::NameOfCase;
 using kestrin_test::PlainImageFile;
+using kestrin_test::ReportCase;
 using kestrin_test::Reports;
+using kestrin_test::ReportTest;
 using kestrin_test::SurfaceOf;
-using kestrin_test::TestDisplay;
 using namespace zelxxx;
 
 namespace {
@@ -28,34 +27,13 @@ namespace {
 constexpr char kImage[] = "Graphic/DFB/image.cpp";
 constexpr char kPainter[] = "Graphic/DFB/painter.cpp";
 
-struct ReportCase
+class ImageReport : public ReportTest
 {
-    const char* name;
-    const char* file;
-    const char* call;
-    void (*provoke)();
-};
-
-void PrintTo(const ReportCase& value, std::ostream* out)
-{
-    *out << value.call;
-}
-
-std::string NameOfCase(const testing::TestParamInfo<ReportCase>& info)
-{
-    return info.param.name;
-}
-
-class ImageReport : public testing::TestWithParam<ReportCase>
-{
-protected:
-    TestDisplay _display{64, 48};
 };
 
 TEST_P(ImageReport, HasTheCallsOwnText)
 {
-    EXPECT_EXIT(GetParam().provoke(), ExitsWith(kInjected),
-                Reports(GetParam().file, GetParam().call));
+    ExpectTheCallsOwnText();
 }
 
 void Start(ColorMode mode)

@@ -6,13 +6,11 @@
 #include "DFB/font.h"
 #include "DFB/painter.h"
 #include "DFB/view.h"
-#include "dfb_failure.h"
-#include "display_fixture.h"
+#include "report_case.h"
 #include "surface_of.h"
 #include "test_font.h"
 
 #include <cstdlib>
-#include <ostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +18,10 @@
 using kestrin_test::ExitsWith;
 using kestrin_test::FailCall;
 using kestrin_test::kInjected;
+using kestrin_test::NameOfCase;
+using kestrin_test::ReportCase;
 using kestrin_test::Reports;
+using kestrin_test::ReportTest;
 using kestrin_test::SurfaceOf;
 using kestrin_test::TestDisplay;
 using zelxxx::BlendMode;
@@ -48,34 +49,13 @@ constexpr char kPainter[] = "Graphic/DFB/painter.cpp";
 
 using PFont = zelxxx::ZELObjPtr<zelxxx::IFont>;
 
-struct ReportCase
+class Report : public ReportTest
 {
-    const char* name;
-    const char* file;
-    const char* call;
-    void (*provoke)();
-};
-
-void PrintTo(const ReportCase& value, std::ostream* out)
-{
-    *out << value.call;
-}
-
-std::string NameOfCase(const testing::TestParamInfo<ReportCase>& info)
-{
-    return info.param.name;
-}
-
-class Report : public testing::TestWithParam<ReportCase>
-{
-protected:
-    TestDisplay _display{64, 48};
 };
 
 TEST_P(Report, HasTheCallsOwnText)
 {
-    EXPECT_EXIT(GetParam().provoke(), ExitsWith(kInjected),
-                Reports(GetParam().file, GetParam().call));
+    ExpectTheCallsOwnText();
 }
 
 // ---- Display
