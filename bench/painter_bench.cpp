@@ -259,12 +259,13 @@ Job ImageMemoryOver(Stage& stage, Size size)
 }
 
 /** Indices in memory, written as they are or blended by table. */
-Job ImageIndices(Stage& stage, Size size, BlendMode mode)
+template <BlendMode mode>
+Job ImageIndices(Stage& stage, Size size)
 {
     const auto bytes = Noise(size.Pixels());
     const PImage image(zelCreateImage(Color8Bit, size.W(), size.H(), bytes.data(), UseSystemMemory,
                                       TypeImg, 0, nullptr, nullptr));
-    return {[picture = Picture(stage, image, size, BlendSrcCopy), painter = stage.painter, mode] {
+    return {[picture = Picture(stage, image, size, BlendSrcCopy), painter = stage.painter] {
                 painter->SetBlendMode(mode);
                 picture();
             },
@@ -277,18 +278,9 @@ Job ImageIndices(Stage& stage, Size size, BlendMode mode)
             true};
 }
 
-Job ImageIndicesCopy(Stage& stage, Size size)
-{
-    return ImageIndices(stage, size, BlendSrcCopy);
-}
-
-Job ImageIndicesTable(Stage& stage, Size size)
-{
-    return ImageIndices(stage, size, BlendSrcOver8BIT);
-}
-
 /** A rectangle of tiles; the one of 1 x 1 cuts its tile. */
-Job Texture(Stage& stage, Size size, BlendMode mode)
+template <BlendMode mode>
+Job Texture(Stage& stage, Size size)
 {
     IDirectFBSurface* s = stage.surface;
     const auto from = FrameSurface(stage, {kTile, kTile});
@@ -311,23 +303,13 @@ Job Texture(Stage& stage, Size size, BlendMode mode)
     };
     const PImage image = FrameImage(stage, {kTile, kTile});
     const int tiles = ((size.width + kTile - 1) / kTile) * ((size.height + kTile - 1) / kTile);
-    return {[painter = stage.painter, image, size, mode] {
+    return {[painter = stage.painter, image, size] {
                 painter->DrawTexture(image, 0, 0, 0, size.W(), size.H(), 0, 0, kOpacity, mode);
             },
             bare,
             PixmanWork(mode == BlendSrcOver ? PeerJob::TileOver : PeerJob::Tile, size.width,
                        size.height),
             false, tiles};
-}
-
-Job TextureCopy(Stage& stage, Size size)
-{
-    return Texture(stage, size, BlendSrcCopy);
-}
-
-Job TextureOver(Stage& stage, Size size)
-{
-    return Texture(stage, size, BlendSrcOver);
 }
 
 // ---- Text
@@ -514,8 +496,8 @@ const Operation kOperations[] = {
     {"image_over", ImageOver, Color32Bit},
     {"image_copy", ImageCopy, Color32Bit},
     {"image_memory_over", ImageMemoryOver, Color32Bit},
-    {"texture_over", TextureOver, Color32Bit},
-    {"texture_copy", TextureCopy, Color32Bit},
+    {"texture_over", Texture<BlendSrcOver>, Color32Bit},
+    {"texture_copy", Texture<BlendSrcCopy>, Color32Bit},
     {"glyph", Glyph, Color32Bit, GlyphSizes},
     {"text", Text, Color32Bit, FontSizes},
     {"character", Character, Color32Bit, FontSizes},
@@ -529,8 +511,8 @@ const Operation kOperations[] = {
     {"lut8_rectangle_table_over", FillTableOver, Color8Bit},
     {"lut8_image_over", ImageOver, Color8Bit},
     {"lut8_image_copy", ImageCopy, Color8Bit},
-    {"lut8_image_memory_copy", ImageIndicesCopy, Color8Bit},
-    {"lut8_image_memory_table", ImageIndicesTable, Color8Bit},
+    {"lut8_image_memory_copy", ImageIndices<BlendSrcCopy>, Color8Bit},
+    {"lut8_image_memory_table", ImageIndices<BlendSrcOver8BIT>, Color8Bit},
     {"lut8_glyph", GlyphIndices, Color8Bit, GlyphSizes},
     {"lut8_clear", Clear, Color8Bit},
     {"lut8_canvas_to_canvas", CanvasToCanvas, Color8Bit},
