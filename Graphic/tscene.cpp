@@ -10,6 +10,27 @@ namespace {
 
 constexpr UInt32 kFrameTicks = 20; // shortest time between two flips, in milliseconds
 
+/** The rectangle around two; also one that is empty has its say. */
+DirtyRect Around(const DirtyRect& a, const DirtyRect& b)
+{
+    return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2), std::max(a.y2, b.y2)};
+}
+
+/** The rectangle around all rectangles it is given. */
+class Enclosure : public IDirtyRectHandler
+{
+public:
+    void HandleRect(const DirtyRect& rect) override
+    {
+        _box = IsEmpty() ? rect : Around(_box, rect);
+    }
+    bool IsEmpty() const { return _box.x1 >= _box.x2 || _box.y1 >= _box.y2; }
+    const DirtyRect& Box() const { return _box; }
+
+private:
+    DirtyRect _box = {};
+};
+
 /** Whether a widget paints before another: by depth, then by place in the tree. */
 bool PaintsBefore(const WidgetBase* a, const WidgetBase* b)
 {
@@ -266,6 +287,9 @@ void Scene::Sort()
         if (widget->Modified)
             _modified.push_back(widget);
     }
+    _groups.resize((_shown.size() + kGroup - 1) / kGroup);
+    for (std::size_t group = 0; group < _groups.size(); ++group)
+        EncloseGroup(group);
     _sequence_end = CurrentTOrder;
     _sorted.SetCurrent();
 }
@@ -293,14 +317,24 @@ void Scene::CollectDirtyRects()
         std::sort(_marked.begin(), _marked.end(), [](const WidgetBase* a, const WidgetBase* b) {
             return a->PaintIndex < b->PaintIndex;
         });
-        for (WidgetBase* widget : _marked)
-            CollectDirtyRects(_shown[widget->PaintIndex]);
     } else {
-        for (Shown& shown : _shown) {
+        _marked.clear();
+        for (const Shown& shown : _shown) {
             if (shown.widget->MarkedIndex != WidgetBase::kNoIndex)
-                CollectDirtyRects(shown);
+                _marked.push_back(shown.widget);
         }
     }
+    constexpr std::size_t none = ~std::size_t{0};
+    std::size_t group = none;
+    for (WidgetBase* widget : _marked) {
+        const std::size_t next = widget->PaintIndex / kGroup;
+        if (group != next && group != none)
+            EncloseGroup(group);
+        group = next;
+        CollectDirtyRects(_shown[widget->PaintIndex]);
+    }
+    if (group != none)
+        EncloseGroup(group);
     _marked.clear();
 }
 
@@ -352,13 +386,41 @@ void Scene::PaintTiles()
     const MetricValue tile_width = _canvas->GetWidth();
     const MetricValue tile_height = _canvas->GetHeight();
     _back_rect = {0, 0, tile_width, tile_height};
-    HandlePhase(UpdateClear, _back_rect);
+    // Every tile is cleared again when its turn comes. That makes a difference where clears blend.
+    if (_clear_blends)
+        HandlePhase(UpdateClear, _back_rect);
     for (int y = 0; y < _height; y += tile_height) {
         for (int x = 0; x < _width; x += tile_width) {
             _back_rect = {Wrap(x), Wrap(y), Wrap(x + tile_width), Wrap(y + tile_height)};
             PaintTile();
         }
     }
+}
+
+/** The first widget from `i` on that may show something dirty, by its place in the paint list. */
+std::size_t Scene::NextTouched(std::size_t i) const
+{
+    const std::size_t count = _shown.size();
+    while (i < count) {
+        if (i % kGroup == 0 && !_dirty_manager->MayTouch(_groups[i / kGroup]))
+            i = std::min(i + kGroup, count);
+        else if (_dirty_manager->MayTouch(_shown[i].rect))
+            break;
+        else
+            ++i;
+    }
+    return i;
+}
+
+/** Encloses anew what a group of widgets shows. */
+void Scene::EncloseGroup(std::size_t group)
+{
+    const std::size_t first = group * kGroup;
+    const std::size_t end = std::min(first + kGroup, _shown.size());
+    DirtyRect box = _shown[first].rect;
+    for (std::size_t i = first + 1; i < end; ++i)
+        box = Around(box, _shown[i].rect);
+    _groups[group] = box;
 }
 
 /** Visits the widgets of the paint list in order, but for those that show nothing dirty. */
@@ -368,10 +430,9 @@ void Scene::VisitTouched(Visit visit)
     WidgetBase* rest = _widget_list_head;
     // Until a formatter changes the tree while it is painted.
     for (std::size_t i = 0; _sorted.IsCurrent(); ++i) {
+        i = NextTouched(i);
         if (i == _shown.size())
             return;
-        if (!_dirty_manager->MayTouch(_shown[i].rect))
-            continue;
         visit(_shown[i].widget);
         rest = _shown[i].widget->Next;
     }
@@ -393,8 +454,13 @@ void Scene::PaintTile()
             return;
         if (!_dirty_manager->Check(widget->DirtyShown, _back_rect))
             return;
-        static_cast<Painter*>(CurrentPainter)->SetSceneClipping(widget->DirtyShown);
+        auto* painter = static_cast<Painter*>(CurrentPainter);
+        DirtyRect seen;
+        CurrentSeen = FindSeenPart(widget->DirtyShown, &seen) ? &seen : nullptr;
+        painter->SetSceneClipping(widget->DirtyShown, CurrentSeen);
         widget->Paint();
+        CurrentSeen = nullptr;
+        _clear_blends = _clear_blends || painter->HasLeftBlending();
     });
 
     _dirty = false;
@@ -404,6 +470,28 @@ void Scene::PaintTile()
     } else {
         HandlePhase(UpdateCopy, _back_rect);
     }
+}
+
+/**
+ * Finds what of a widget in the current tile will be copied to the view, with the row and column
+ * beyond that a clip rectangle takes in. The rest of it need not be painted: it is cleared before
+ * it is ever copied. False where that is not so: clears that blend leave the pixels beneath to be
+ * seen.
+ */
+bool Scene::FindSeenPart(const DirtyRect& shown, DirtyRect* seen) const
+{
+    if (_clear_blends)
+        return false;
+    const auto beyond = [](MetricValue edge) {
+        return static_cast<MetricValue>(std::min<int>(edge + 1, INT16_MAX));
+    };
+    Enclosure dirty;
+    _dirty_manager->Handle({std::max(shown.x1, _back_rect.x1), std::max(shown.y1, _back_rect.y1),
+                            std::min(beyond(shown.x2), _back_rect.x2),
+                            std::min(beyond(shown.y2), _back_rect.y2)},
+                           &dirty);
+    *seen = dirty.Box();
+    return !dirty.IsEmpty();
 }
 
 void Scene::HandlePhase(UpdatePhase phase, const DirtyRect& bound)

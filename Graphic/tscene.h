@@ -80,6 +80,8 @@ public:
 
     MetricValue CurrentTOrder; /**< sequence number of the widget sorted next */
     IPainter* CurrentPainter;  /**< of the update in progress, else null */
+    /** What of the widget that is being painted will be seen; null where all of it may be. */
+    const DirtyRect* CurrentSeen = nullptr;
 
 private:
     /** What HandleRect does with the rectangles it receives. */
@@ -99,11 +101,16 @@ private:
         WidgetBase* widget;
     };
 
+    /** So many neighbours of the paint list are passed over together where nothing is dirty. */
+    static constexpr std::size_t kGroup = 32;
+
     bool IsFrameDue(bool wait) const;
     void Sort();
     bool IsSorted() const;
     void CollectDirtyRects();
     void CollectDirtyRects(Shown& shown);
+    std::size_t NextTouched(std::size_t i) const;
+    void EncloseGroup(std::size_t group);
     template <class Visit>
     void VisitTouched(Visit visit);
     void Paint();
@@ -112,6 +119,7 @@ private:
     void PaintTile();
     void HandlePhase(UpdatePhase phase, const DirtyRect& bound);
     DirtyRect InTile(const DirtyRect& rect) const;
+    bool FindSeenPart(const DirtyRect& shown, DirtyRect* seen) const;
     void LinkWidgetAfter(WidgetBase* widget, WidgetBase* previous);
     void UnlinkWidget(WidgetBase* widget);
     Layer* Root() const { return SideOf<Layer>(static_cast<ILayer*>(_root)); }
@@ -128,6 +136,7 @@ private:
     bool _widget_dying;
     bool _dirty;
     bool _enabled;
+    bool _clear_blends = false; /**< clears may add to what they find; once so, taken to stay so */
     std::unique_ptr<DirtyManager> _dirty_manager;
     UpdatePhase _update_phase;
     WidgetBase* _widget_list_head;
@@ -135,6 +144,7 @@ private:
     WidgetBase* _current_widget;
     // Side by side, so that a frame with few changes passes over many widgets quickly.
     std::vector<Shown> _shown;          /**< the paint list as of `_sorted` */
+    std::vector<DirtyRect> _groups;     /**< around what each kGroup of `_shown` show */
     std::vector<WidgetBase*> _modified; /**< those in it with a modified copy */
     std::vector<WidgetBase*> _marked;   /**< with marks to be looked at; null where one has left */
     TreeVersion _sorted;

@@ -99,6 +99,8 @@ private:
     void DrawTextExt();
     void TakeColor(Replay& replay, const UInt8* record) const;
     void DrawCharacter(Replay& replay, const UInt8* record);
+    static bool IsSeen(const Replay& replay, MetricValue left, MetricValue top,
+                       const DirtyRect& seen);
     void DrawCursor(Replay& replay, const UInt8* record);
     UInt32 ReplayRecord(Replay& replay, const UInt8* record, UInt32 left);
 

@@ -136,6 +136,8 @@ void Text::DrawCharacter(Replay& replay, const UInt8* record)
     // The widget's own opacity: what its layer or a modifier fades does not reach the glyphs.
     const BlendValue blend = CombineBlends(Blend, replay.alpha);
     if (replay.mode == Color32Bit) {
+        if (ParentScene->CurrentSeen && !IsSeen(replay, left, top, *ParentScene->CurrentSeen))
+            return;
         replay.painter->Draw32BitCharBitmap(&glyph, replay.font, replay.size, left, top,
                                             replay.color, blend);
         return;
@@ -144,6 +146,15 @@ void Text::DrawCharacter(Replay& replay, const UInt8* record)
     _text_formater->GetCharBuffer(&glyph, replay.color, blend, replay.buffer);
     replay.painter->DrawCharBitmap(replay.buffer, &glyph, replay.font, replay.size, left, top,
                                    kOpaque);
+}
+
+/** Whether any of the glyph, with its pen and the top of its line at a place, is in a rectangle. */
+bool Text::IsSeen(const Replay& replay, MetricValue left, MetricValue top, const DirtyRect& seen)
+{
+    const CharMetrics& glyph = replay.glyph;
+    const int x = left + glyph.hori_bearing_x;
+    const int y = top - glyph.bitmap_top + replay.font->GetFTYOffsetTop(replay.size);
+    return x < seen.x2 && x + glyph.width > seen.x1 && y < seen.y2 && y + glyph.height > seen.y1;
 }
 
 /** A line one pixel high under a character, at nine tenths of the line's height. */

@@ -50,7 +50,8 @@ IPainter* zelCreatePainter(ICanvas* canvas)
 Painter::Painter(CanvasBase* canvas)
     : _canvas(SideOf<ICanvas>(canvas)), _blend_mode(BlendSrcOver), _canvas_color_mode(Color32Bit),
       _canvas_width(0), _canvas_height(0), _offset_x(0), _offset_y(0), _clip_x1(0), _clip_y1(0),
-      _clip_x2(0), _clip_y2(0), _glyph_limit(0), _glyph_limit_shifted(0), _canvas_surface(nullptr)
+      _clip_x2(0), _clip_y2(0), _glyph_limit(0), _glyph_limit_shifted(0), _left_blending(false),
+      _canvas_surface(nullptr)
 {
     if (!canvas)
         return;
@@ -68,23 +69,39 @@ Painter::Painter(CanvasBase* canvas)
 
 void Painter::SetClipping(MetricValue left, MetricValue top, MetricValue right, MetricValue bottom)
 {
-    _clip_x1 = std::max<MetricValue>(0, left);
-    _clip_y1 = std::max<MetricValue>(0, top);
-    _clip_x2 = _canvas ? std::min(_canvas_width, right) : 0;
-    _clip_y2 = _canvas ? std::min(_canvas_height, bottom) : 0;
-    _glyph_limit = _glyph_limit_shifted = _clip_x2;
+    StoreClip(left, top, right, bottom);
     if (!_canvas_surface)
         return;
     const DFBRegion clip_rect = {_clip_x1, _clip_y1, _clip_x2, _clip_y2};
     _canvas_surface->SetClip(_canvas_surface, &clip_rect);
 }
 
-void Painter::SetSceneClipping(const DirtyRect& shown)
+void Painter::SetSceneClipping(const DirtyRect& shown, const DirtyRect* seen)
 {
-    SetClipping(Wrap(shown.x1 - _offset_x), Wrap(shown.y1 - _offset_y), Wrap(shown.x2 - _offset_x),
-                Wrap(shown.y2 - _offset_y));
+    StoreClip(Wrap(shown.x1 - _offset_x), Wrap(shown.y1 - _offset_y), Wrap(shown.x2 - _offset_x),
+              Wrap(shown.y2 - _offset_y));
     _glyph_limit = shown.x2;
     _glyph_limit_shifted = shown.x2 - _offset_x;
+    if (!_canvas_surface)
+        return;
+    DFBRegion clip_rect = {_clip_x1, _clip_y1, _clip_x2, _clip_y2};
+    if (seen) {
+        // The corners are inclusive for DirectFB.
+        clip_rect.x1 = std::max(clip_rect.x1, seen->x1 - _offset_x);
+        clip_rect.y1 = std::max(clip_rect.y1, seen->y1 - _offset_y);
+        clip_rect.x2 = std::min(clip_rect.x2, seen->x2 - _offset_x - 1);
+        clip_rect.y2 = std::min(clip_rect.y2, seen->y2 - _offset_y - 1);
+    }
+    _canvas_surface->SetClip(_canvas_surface, &clip_rect);
+}
+
+void Painter::StoreClip(MetricValue left, MetricValue top, MetricValue right, MetricValue bottom)
+{
+    _clip_x1 = std::max<MetricValue>(0, left);
+    _clip_y1 = std::max<MetricValue>(0, top);
+    _clip_x2 = _canvas ? std::min(_canvas_width, right) : 0;
+    _clip_y2 = _canvas ? std::min(_canvas_height, bottom) : 0;
+    _glyph_limit = _glyph_limit_shifted = _clip_x2;
 }
 
 void Painter::SetOrigin(MetricValue x, MetricValue y)
@@ -150,6 +167,7 @@ void Painter::FillColorKeyed(const Area& area, ColorValue color, BlitFlag blit_f
 /** Replaces colour and opacity. Leaves the surface blending with the source rule. */
 void Painter::FillCopy(Area area, ColorValue color, BlendValue blend)
 {
+    _left_blending = true;
     DFBCHECK(_canvas_surface->SetDrawingFlags(_canvas_surface, DSDRAW_BLEND));
     DFBCHECK(_canvas_surface->SetPorterDuff(_canvas_surface, DSPD_SRC));
     if (_canvas_color_mode == Color8Bit) {

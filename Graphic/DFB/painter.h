@@ -52,8 +52,14 @@ public:
      * Clips to a rectangle of the drawing space, less the origin. A glyph is dropped at this
      * rectangle's right edge and not at the canvas's, so that a scene painted in several tiles
      * drops the glyphs it drops in one.
+     *
+     * @param seen  what of it, and of the row and column beyond that the surface's clip takes in,
+     *              is to be seen: the surface draws nothing else. Every operation makes the calls
+     *              that it makes for all of `shown`, which null stands for
      */
-    void SetSceneClipping(const DirtyRect& shown);
+    void SetSceneClipping(const DirtyRect& shown, const DirtyRect* seen = nullptr);
+    /** Whether a fill has left the surface blending, so that the next clear may blend, too. */
+    bool HasLeftBlending() const { return _left_blending; }
 
     /**
      * The scratch surface of Draw32BitCharBitmap, at least this large: one per process, which only
@@ -71,6 +77,7 @@ private:
         bool IsEmpty() const { return left >= right || top >= bottom; }
     };
 
+    void StoreClip(MetricValue left, MetricValue top, MetricValue right, MetricValue bottom);
     Area Clip(MetricValue x, MetricValue y, MetricValue width, MetricValue height) const;
     void FillColorKeyed(const Area& area, ColorValue color, BlitFlag blit_flag,
                         ColorValue dst_color);
@@ -88,6 +95,7 @@ private:
     MetricValue _clip_x2, _clip_y2; /**< exclusive */
     /** Right edges beyond which glyphs are dropped, before and after the origin is subtracted. */
     Int32 _glyph_limit, _glyph_limit_shifted;
+    bool _left_blending;
     IDirectFBSurface* _canvas_surface; /**< the canvas holds it */
 
     static IDirectFBSurface* _font_surface;

@@ -73,6 +73,32 @@ TEST_F(TextDraw, CharacterStandsAtTheBoundPlusItsOffset)
     EXPECT_EQ(_painter.font, _text->GetFont());
 }
 
+TEST_F(TextDraw, GlyphsOfWhichNothingIsSeenAreLeftOut)
+{
+    const CharMetrics glyph = Metrics('A', 24, 100, 100);
+    const int x = 10 + glyph.hori_bearing_x;
+    const int y = 20 - glyph.bitmap_top + _text->GetFont()->GetFTYOffsetTop(24);
+    const int right = x + glyph.width;
+    const int bottom = y + glyph.height;
+    const auto drawn = [&](int x1, int y1, int x2, int y2) {
+        const DirtyRect seen = {Wrap(x1), Wrap(y1), Wrap(x2), Wrap(y2)};
+        _scene.CurrentSeen = &seen;
+        const std::size_t count = Draw(Color32Bit, OneCharacter).size();
+        _scene.CurrentSeen = nullptr;
+        return count;
+    };
+    EXPECT_EQ(drawn(x, y, right, bottom), 1U);
+    // A pixel at each edge, and none.
+    EXPECT_EQ(drawn(right - 1, 0, 720, 576), 1U);
+    EXPECT_EQ(drawn(right, 0, 720, 576), 0U);
+    EXPECT_EQ(drawn(0, 0, x + 1, 576), 1U);
+    EXPECT_EQ(drawn(0, 0, x, 576), 0U);
+    EXPECT_EQ(drawn(0, bottom - 1, 720, 576), 1U);
+    EXPECT_EQ(drawn(0, bottom, 720, 576), 0U);
+    EXPECT_EQ(drawn(0, 0, 720, y + 1), 1U);
+    EXPECT_EQ(drawn(0, 0, 720, y), 0U);
+}
+
 TEST_F(TextDraw, PositionsWrapTo16Bits)
 {
     EXPECT_THAT(Draw(Color32Bit, [](IText& text) { text.AddCharInfo(32767, -32768, 0, 'A'); }),
