@@ -386,9 +386,7 @@ void Scene::PaintTiles()
     const MetricValue tile_width = _canvas->GetWidth();
     const MetricValue tile_height = _canvas->GetHeight();
     _back_rect = {0, 0, tile_width, tile_height};
-    // Every tile is cleared again when its turn comes. That makes a difference where clears blend.
-    if (_clear_blends)
-        HandlePhase(UpdateClear, _back_rect);
+    HandlePhase(UpdateClear, _back_rect);
     for (int y = 0; y < _height; y += tile_height) {
         for (int x = 0; x < _width; x += tile_width) {
             _back_rect = {Wrap(x), Wrap(y), Wrap(x + tile_width), Wrap(y + tile_height)};

@@ -66,8 +66,9 @@ TEST_F(ScenePaint, WidgetsAreClippedToWhatIsSeenOfThem)
 {
     small->SetAttribute(AttrColor, kBlue);
     EXPECT_THAT(Drawn(), ElementsAre("SetClip([0 0 64 48])",        // of the painter
+                                     "FillRectangle(10, 12, 8, 6)", // the first tile is cleared
                                      "SetClip([0 0 64 48])",        // of the tile
-                                     "FillRectangle(10, 12, 8, 6)", // cleared once
+                                     "FillRectangle(10, 12, 8, 6)", // every tile is cleared
                                      "SetClip([10 12 17 17])",      // the layer has no background
                                      "SetClip([10 12 17 17])",      //
                                      "FillRectangle(0, 0, 64, 48)", // cut by the surface
@@ -111,7 +112,7 @@ TEST_F(ScenePaint, WidgetsArePaintedWholeWhereClearsMayBlend)
     Drawn(); // from now on a fill may have left the surface blending
     small->SetAttribute(AttrColor, kGreen);
     EXPECT_THAT(Drawn(), ElementsAre("SetClip([0 0 64 48])",        //
-                                     "FillRectangle(10, 12, 8, 6)", // cleared twice
+                                     "FillRectangle(10, 12, 8, 6)", //
                                      "SetClip([0 0 64 48])",        //
                                      "FillRectangle(10, 12, 8, 6)", //
                                      "SetClip([0 0 64 48])",        //
