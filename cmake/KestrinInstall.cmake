@@ -40,7 +40,13 @@ function(kestrin_install_programs)
     install(TARGETS ${ARGN} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 endfunction()
 
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ ${PROJECT_SOURCE_DIR}/toolkit/include/
+set(headers ${PROJECT_SOURCE_DIR}/include/)
+set(pkg_config_names kestrin)
+if(NOT KESTRIN_ENGINE_ONLY)
+    list(APPEND headers ${PROJECT_SOURCE_DIR}/toolkit/include/)
+    list(APPEND pkg_config_names kestrin-toolkit)
+endif()
+install(DIRECTORY ${headers}
     DESTINATION ${KESTRIN_HEADER_DIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
 install(EXPORT kestrinTargets NAMESPACE kestrin::
     DESTINATION ${KESTRIN_PACKAGE_DIR} COMPONENT development)
@@ -56,7 +62,7 @@ install(
 
 # The file finds its prefix from where it lies, so that an installed tree can be moved.
 file(RELATIVE_PATH KESTRIN_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-foreach(name kestrin kestrin-toolkit)
+foreach(name ${pkg_config_names})
     configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${name}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
