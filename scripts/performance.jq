@@ -86,9 +86,10 @@ def frame_cases: [["mover_100", "a rectangle moving among 100", null],
 "",
 "<!-- Written by scripts/performance from a run of all benchmarks. Change the script, not the page. -->",
 "",
-"Measured on \($programs[0].context.date[0:10]): \($model), \($programs[0].context.num_cpus) cores,"
-+ " \($arch)\($virtual); \($compiler), release build. All programs draw on memory: there is no 2-D",
-"engine and no panel.",
+"Measured on \($programs[0].context.date[0:10]) on \($model), \($programs[0].context.num_cpus) cores,"
++ " \($arch)\($virtual),",
+"built for release by \($compiler). All programs draw on memory: there",
+"is no 2-D engine and no panel.",
 "",
 (if ($loads | max) / $programs[0].context.num_cpus < 0.75 then
 "The machine was quiet: between \($loads | min) and \($loads | max) other processes ran when a program"
@@ -98,8 +99,9 @@ else
 + " times\nfor upper bounds; ratios of two things measured in turns suffer less."
 end),
 (if ($rounds | length) > 0 then
-"Of the rounds in which frames were measured \($rounds | map(.quiet) | add) of"
-+ " \($rounds | map(.rounds) | add) were quiet; only these count."
+"Of the \($rounds | length) cases of frames that had quiet rounds \($rounds | map(.quiet) | add) of"
++ " \($rounds | map(.rounds) | add) rounds were quiet; only these count.",
+"\([$programs | program("frame") | .benchmarks[] | select(.error_occurred)] | length) cases had none."
 else empty end),
 "",
 "## Frames against copying their pixels",
