@@ -175,6 +175,11 @@ void Drawing::PrepareFill(const CardState& state)
         _added = Pixel(color.a * factor >> 8, color.r * factor >> 8, color.g * factor >> 8,
                        color.b * factor >> 8);
     }
+    if (_fill != Fill::Opaque && _keep == 1 && _target_format == DSPF_ARGB) {
+        // A 256th of what is there is nothing.
+        _fill = Fill::Opaque;
+        _pixel = _added;
+    }
 }
 
 void Drawing::PrepareBlit(const CardState& state)
