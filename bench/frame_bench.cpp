@@ -7,10 +7,10 @@
  *
  * A case is measured in short rounds: a calibration loop of fixed work, some frames, the changed
  * pixels of the same frames copied once with memcpy, and the calibration loop again. A round is
- * quiet when both calibrations took at most 20 % longer than the shortest of the run and the process
- * had its processor to itself; only quiet rounds count, and a case without any is an error. (Two
- * builds can be compared on a busy machine with KESTRIN_BENCH_NOISE=50, or another percentage.)
- * Times are those of the processor. Counters:
+ * quiet when both calibrations took at most 20 % longer than the shortest of the run and the
+ * process had its processor to itself; only quiet rounds count, and a case without any is an error.
+ * (Two builds can be compared on a busy machine with KESTRIN_BENCH_NOISE=50, or another
+ * percentage.) Times are those of the processor. Counters:
  *
  *     us_frame      a frame, median of the quiet rounds (idle: see ns_frame)
  *     us_kpixel     a frame over a thousand changed pixels
