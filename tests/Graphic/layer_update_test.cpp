@@ -153,6 +153,18 @@ TEST_F(Updated, ScrollMovesTheContentAndNotTheClipRectangle)
     EXPECT_EQ(layer->OffsetX, 13);
 }
 
+TEST_F(Updated, ContentOfALayerInAScaledLayerBeginsWhereItWouldUnscaled)
+{
+    Held<Layer> inner;
+    layer->AddWidget(inner);
+    layer->SetAttribute(AttrPosX, 7);
+    layer->SetAttribute(AttrScaleX, 512);
+    inner->SetAttribute(AttrPosX, 10);
+    root->UpdateLayers();
+    EXPECT_EQ(inner->OffsetX, 17);
+    EXPECT_EQ(inner->LayerScaleX, 512);
+}
+
 TEST_F(Updated, HiddenLayerHasNoOpacityForItsLayersEither)
 {
     Held<Layer> inner;

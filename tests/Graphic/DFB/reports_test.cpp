@@ -234,6 +234,18 @@ TEST_F(Report, EmptyClearEndsTheProcess)
         Reports(kCanvas, "_back->FillRectangle(_back, x, y, w, h)", DFB_INVARG));
 }
 
+TEST_F(Report, CopyFromOutsideTheSourceEndsTheProcess)
+{
+    EXPECT_EXIT(
+        {
+            zelInitialize(64, 48, 32);
+            const PCanvas source(zelCreateCanvas(8, 8, Color32Bit));
+            zelCreateCanvas(8, 8, Color32Bit)->Copy(0, 0, source, 8, 0, 4, 4);
+        },
+        ExitsWith(DFB_INVAREA),
+        Reports(kCanvas, "_back->Blit(_back, back, &rect, x, y)", DFB_INVAREA));
+}
+
 TEST_F(Report, PaletteIndexOnA32BitDisplayEndsTheProcess)
 {
     EXPECT_EXIT(

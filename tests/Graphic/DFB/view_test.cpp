@@ -99,6 +99,20 @@ TEST_F(ViewTest, ClearIgnoresTheRectangleAndReadsRedFromTheLowestByte)
     EXPECT_TRUE(SamePicture(_engine.Shot(), ArgbImage(64, 48, 0x80332211)));
 }
 
+TEST_F(ViewTest, ClearReachesAsFarAsTheClipAPainterLeft)
+{
+    _view->Clear(0, 0, 64, 48, 0x0000ff, 255);
+    {
+        const zelxxx::ZELObjPtr<zelxxx::IPainter> painter(zelxxx::zelCreatePainter(_view));
+        painter->SetClipping(0, 0, 9, 9);
+    }
+    _view->Clear(0, 0, 64, 48, 0x00ff00, 255);
+    _view->Flip();
+    const ArgbImage shot = _engine.Shot();
+    EXPECT_TRUE(AreaHasColor(shot, 0, 0, 10, 10, 0xff00ff00)); // the clip's corners are inclusive
+    EXPECT_TRUE(AreaHasColor(shot, 10, 0, 64, 48, 0xffff0000));
+}
+
 TEST_F(ViewTest, ClearIsOneCall)
 {
     const RecordingSurface recording(View::_primary);
