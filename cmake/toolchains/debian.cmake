@@ -2,7 +2,7 @@
 # which sets CMAKE_SYSTEM_PROCESSOR, KESTRIN_COMPILER (the prefix of the compiler's name),
 # KESTRIN_MULTIARCH (Debian's name of the library directory) and KESTRIN_SYSROOT.
 #
-# scripts/sysroot fills the directory KESTRIN_SYSROOT. A vendor's toolchain differs in little more
+# scripts/port fills the directory KESTRIN_SYSROOT. A vendor's toolchain differs in little more
 # than these names: its compiler, its sysroot, and where the sysroot's pkg-config files are.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_CXX_COMPILER ${KESTRIN_COMPILER}-g++)
