@@ -7,6 +7,9 @@
 #include "png_file.h"
 #include "run_command.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,6 +22,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using kestrin_display::ArgbImage;
 using kestrin_test::SamePicture;
 using testing::HasSubstr;
 
@@ -40,6 +44,35 @@ std::set<std::string> PicturesIn(const fs::path& directory)
     return names;
 }
 
+/**
+ * The pictures are those of a 64-bit machine. On 32-bit ones FreeType and floating point round
+ * otherwise, which shows as a few steps of a channel in one pixel of some thousands.
+ */
+testing::AssertionResult IsPicture(ArgbImage actual, const ArgbImage& expected)
+{
+    const std::size_t count = expected.pixels.size();
+    if (sizeof(void*) > 4 || actual.pixels.size() != count)
+        return SamePicture(actual, expected);
+    std::size_t rounded = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        int most = 0;
+        for (int shift = 0; shift < 32; shift += 8) {
+            const auto channel = [shift](std::uint32_t pixel) {
+                return static_cast<int>(pixel >> shift & 0xff);
+            };
+            most =
+                std::max(most, std::abs(channel(actual.pixels[i]) - channel(expected.pixels[i])));
+        }
+        if (most == 0 || most > 8)
+            continue;
+        actual.pixels[i] = expected.pixels[i];
+        ++rounded;
+    }
+    if (rounded > count / 1000)
+        return testing::AssertionFailure() << rounded << " pixels are rounded otherwise";
+    return SamePicture(actual, expected);
+}
+
 void ExpectSameFrames(const std::string& rendered, const std::string& kept)
 {
     const kestrin_test::Movie actual = kestrin_test::ReadMovie(rendered);
@@ -48,7 +81,7 @@ void ExpectSameFrames(const std::string& rendered, const std::string& kept)
     EXPECT_EQ(actual.hundredths, expected.hundredths);
     ASSERT_EQ(actual.frames.size(), expected.frames.size());
     for (std::size_t i = 0; i < expected.frames.size(); ++i)
-        ASSERT_TRUE(SamePicture(actual.frames[i], expected.frames[i])) << "frame " << i;
+        ASSERT_TRUE(IsPicture(actual.frames[i], expected.frames[i])) << "frame " << i;
 }
 
 class Gallery : public testing::TestWithParam<const char*>
@@ -78,8 +111,7 @@ TEST_P(Gallery, PicturesAreWhatTheExampleShows)
         if (fs::path(name).extension() == ".gif") {
             ExpectSameFrames(actual, before);
         } else {
-            EXPECT_TRUE(
-                SamePicture(kestrin_tools::ReadPng(actual), kestrin_tools::ReadPng(before)));
+            EXPECT_TRUE(IsPicture(kestrin_tools::ReadPng(actual), kestrin_tools::ReadPng(before)));
         }
     }
 }
