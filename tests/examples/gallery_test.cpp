@@ -46,7 +46,8 @@ std::set<std::string> PicturesIn(const fs::path& directory)
 
 /**
  * The pictures are those of a 64-bit machine. On 32-bit ones FreeType and floating point round
- * otherwise, which shows as a few steps of a channel in one pixel of some thousands.
+ * otherwise, which shows as a step of a channel in one pixel of some thousands, and in a moving
+ * picture as the next colour of its palette.
  */
 testing::AssertionResult IsPicture(ArgbImage actual, const ArgbImage& expected)
 {
@@ -63,7 +64,7 @@ testing::AssertionResult IsPicture(ArgbImage actual, const ArgbImage& expected)
             most =
                 std::max(most, std::abs(channel(actual.pixels[i]) - channel(expected.pixels[i])));
         }
-        if (most == 0 || most > 8)
+        if (most == 0 || most > 32)
             continue;
         actual.pixels[i] = expected.pixels[i];
         ++rounded;
