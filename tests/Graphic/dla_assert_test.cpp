@@ -12,7 +12,7 @@
 using kestrin_test::DlaSketch;
 
 /** A sanitizer's allocator reports failure like any other. */
-extern "C" const char* __asan_default_options()
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options()
 {
     return "allocator_may_return_null=1";
 }
