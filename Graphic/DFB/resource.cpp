@@ -164,6 +164,10 @@ IFont* Resource::OpenFont(ResIndex index, bool& bDownload)
         return nullptr;
     // A face that FreeType rejects is a font all the same: it measures 0 and draws nothing.
     Font* font = new Font(entry.file_name.get(), entry.file_content.get(), entry.file_length);
+    if (!font->IsAvailable()) {
+        delete font;
+        return nullptr;
+    }
     font->Hold();
     entry.object = font;
     return font;
