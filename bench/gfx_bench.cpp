@@ -139,22 +139,24 @@ void Glyph(Surfaces& s, int width, int height)
     Blit(s.argb, s.argb_source, straight, width, height);
 }
 
-void StretchUnder(Surfaces& s, int width, int height)
+/** As the engine puts subtitles below a frame. */
+void StretchUnder(IDirectFBSurface* frame, IDirectFBSurface* subtitles, int width, int height)
 {
     const DFBRectangle from = {0, 0, 720, 576};
     const DFBRectangle to = {0, 0, width, height};
-    s.argb->SetBlittingFlags(s.argb, DSBLIT_BLEND_ALPHACHANNEL);
-    s.argb->SetPorterDuff(s.argb, DSPD_DST_OVER);
-    s.argb->StretchBlit(s.argb, s.argb_source, &from, &to);
+    frame->SetBlittingFlags(frame, DSBLIT_BLEND_ALPHACHANNEL);
+    frame->SetPorterDuff(frame, DSPD_DST_OVER);
+    frame->StretchBlit(frame, subtitles, &from, &to);
+}
+
+void StretchUnderPixels(Surfaces& s, int width, int height)
+{
+    StretchUnder(s.argb, s.argb_source, width, height);
 }
 
 void StretchUnderIndices(Surfaces& s, int width, int height)
 {
-    const DFBRectangle from = {0, 0, 720, 576};
-    const DFBRectangle to = {0, 0, width, height};
-    s.lut->SetBlittingFlags(s.lut, DSBLIT_BLEND_ALPHACHANNEL);
-    s.lut->SetPorterDuff(s.lut, DSPD_DST_OVER);
-    s.lut->StretchBlit(s.lut, s.argb_source, &from, &to);
+    StretchUnder(s.lut, s.argb_source, width, height);
 }
 
 /** As DirectFB draws a character of a font. */
@@ -203,7 +205,7 @@ const std::vector<Operation>& Operations()
         {"glyph", 4, Glyph},
         {"character", 4, Character},
         BlitOf("blit_key", DSBLIT_SRC_COLORKEY),
-        {"stretch_dst_over", 4, StretchUnder},
+        {"stretch_dst_over", 4, StretchUnderPixels},
         {"lut8_stretch_dst_over", 1, StretchUnderIndices},
         {"lut8_fill", 1, FillIndices},
         {"lut8_fill_src_over", 1, FillOverIndices},
