@@ -364,6 +364,7 @@ int main(int argc, char** argv)
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     benchmark::RunSpecifiedBenchmarks();
-    std::fprintf(stderr, "least ratio: %.2f, of %s\n", least_ratio, least_name.c_str());
+    if (!least_name.empty())
+        std::fprintf(stderr, "least ratio: %.2f, of %s\n", least_ratio, least_name.c_str());
     return 0;
 }

@@ -124,6 +124,27 @@ KESTRIN_INLINE typename V::U32 AddClamped(typename V::U32 a, typename V::U32 b)
     return (typename V::U32)(sum | (typename V::U8)(sum < (typename V::U8)a));
 }
 
+/** Whether no pixel lets anything through. */
+template <class V>
+KESTRIN_INLINE bool AreOpaque(typename V::U32 pixels)
+{
+#if defined(__AVX2__)
+    if constexpr (sizeof pixels == 32)
+        return _mm256_testc_si256((__m256i)pixels, _mm256_set1_epi32(-0x1000000)) != 0;
+#endif
+#if defined(__SSE2__)
+    if constexpr (sizeof pixels == 16)
+        return (_mm_movemask_epi8(_mm_cmpeq_epi8((__m128i)pixels, _mm_set1_epi8(-1))) & 0x8888) ==
+               0x8888;
+#endif
+    std::uint64_t pairs[sizeof pixels / 8];
+    std::memcpy(pairs, &pixels, sizeof pixels);
+    std::uint64_t all = ~std::uint64_t{0};
+    for (const std::uint64_t pair : pairs)
+        all &= pair;
+    return (all | 0x00ffffff00ffffffU) == ~std::uint64_t{0};
+}
+
 // What is done to pixels: `to` are those of the target, `from` those of the source.
 
 struct Fill
@@ -183,8 +204,11 @@ struct Straight
     template <class V>
     KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 from) const
     {
-        const typename V::U32 kept = Scale<V>(Premultiply<V>(to), Both<V>(256 - (from >> 24)));
-        return Demultiply<V>(Premultiply<V>(from) + kept);
+        const auto keep = Both<V>(256 - (from >> 24));
+        // Opaque pixels stay so, and multiplying and dividing by their alpha change nothing.
+        if (AreOpaque<V>(to))
+            return Premultiply<V>(from) + Scale<V>(to, keep);
+        return Demultiply<V>(Premultiply<V>(from) + Scale<V>(Premultiply<V>(to), keep));
     }
 };
 
@@ -267,49 +291,68 @@ KESTRIN_INLINE typename V::U32 LoadSource(const std::uint8_t* from)
 }
 
 template <class V, class Operation>
-KESTRIN_INLINE void ApplyTo(std::uint8_t* to, const std::uint8_t* from, const Operation& operation)
+KESTRIN_INLINE typename V::U32 Applied(const std::uint8_t* to, const std::uint8_t* from,
+                                       const Operation& operation)
 {
     const auto source = LoadSource<V, Operation::source_bytes>(from);
-    Store<V>(to, operation.template Apply<V>(Load<V>(to), source));
+    return operation.template Apply<V>(Load<V>(to), source);
 }
 
-/** The same for fewer pixels than a small vector has. */
-template <class Operation>
-KESTRIN_INLINE void ApplyToRest(std::uint8_t* to, const std::uint8_t* from, int pixels,
-                                const Operation& operation)
+/**
+ * A row of at least one vector. What the last vector becomes is found out before anything is
+ * written, since it may begin inside the last but one.
+ */
+template <class V, class Operation>
+KESTRIN_INLINE void ApplyToRow(std::uint8_t* to, const std::uint8_t* from, int width,
+                               const Operation& operation)
 {
     constexpr int bytes = Operation::source_bytes;
-    std::uint8_t target[small_bytes] = {};
-    std::uint8_t source[small_bytes] = {};
-    for (int i = 0; i < pixels; ++i) {
-        std::memcpy(target + 4 * i, to + 4 * i, 4);
-        std::memcpy(source + bytes * i, from + bytes * i, bytes);
-    }
-    ApplyTo<Small>(target, source, operation);
-    for (int i = 0; i < pixels; ++i)
-        std::memcpy(to + 4 * i, target + 4 * i, 4);
+    const int last = width - V::pixels;
+    const auto end = Applied<V>(to + 4 * last, from + bytes * last, operation);
+    for (int x = 0; x < last; x += V::pixels)
+        Store<V>(to + 4 * x, Applied<V>(to + 4 * x, from + bytes * x, operation));
+    Store<V>(to + 4 * last, end);
+}
+
+/** Fewer pixels than a small vector has, one by one, as its other lanes are not ours. */
+template <int Bytes>
+KESTRIN_INLINE Small::U32 LoadFew(const std::uint8_t* from, int pixels)
+{
+    const auto pixel = [&](int i) {
+        std::uint32_t value = 0;
+        if constexpr (Bytes == 4) {
+            if (i < pixels)
+                std::memcpy(&value, from + 4 * i, 4);
+        } else if constexpr (Bytes == 1) {
+            if (i < pixels)
+                value = from[i];
+        }
+        return value;
+    };
+    return Small::U32{pixel(0), pixel(1), pixel(2), 0};
+}
+
+template <class Operation>
+KESTRIN_INLINE void ApplyToFew(std::uint8_t* to, const std::uint8_t* from, int pixels,
+                               const Operation& operation)
+{
+    const auto source = LoadFew<Operation::source_bytes>(from, pixels);
+    const auto target = operation.template Apply<Small>(LoadFew<4>(to, pixels), source);
+    const std::uint32_t words[] = {target[0], target[1], target[2]};
+    for (int i = 0; i < 3 && i < pixels; ++i)
+        std::memcpy(to + std::ptrdiff_t{4} * i, &words[i], 4);
 }
 
 template <class Operation>
 KESTRIN_INLINE void ApplyToAll(Target to, Source from, Size size, const Operation& operation)
 {
-    constexpr int bytes = Operation::source_bytes;
     for (int y = 0; y < size.height; ++y, to.start += to.pitch, from.start += from.pitch) {
-        std::uint8_t* target = to.start;
-        const std::uint8_t* source = from.start;
-        int left = size.width;
-        for (; left >= Large::pixels; left -= Large::pixels) {
-            ApplyTo<Large>(target, source, operation);
-            target += VectorBytes;
-            source += Large::pixels * bytes;
-        }
-        for (; left >= Small::pixels; left -= Small::pixels) {
-            ApplyTo<Small>(target, source, operation);
-            target += small_bytes;
-            source += Small::pixels * bytes;
-        }
-        if (left > 0)
-            ApplyToRest(target, source, left, operation);
+        if (size.width >= Large::pixels)
+            ApplyToRow<Large>(to.start, from.start, size.width, operation);
+        else if (size.width >= Small::pixels)
+            ApplyToRow<Small>(to.start, from.start, size.width, operation);
+        else
+            ApplyToFew(to.start, from.start, size.width, operation);
     }
 }
 

@@ -66,7 +66,10 @@ std::uint32_t EachChannel(const std::function<unsigned(int index)>& channel)
 using Drawing = std::function<void(kestrin_gfx::Target, kestrin_gfx::Source, kestrin_gfx::Size)>;
 using Arithmetic = std::function<std::uint32_t(std::uint32_t to, std::uint32_t from)>;
 
-/** A rectangle between forbidden pages, with `gap` pixels from one row to the next. */
+/**
+ * A rectangle between forbidden pages, with `gap` pixels from one row to the next. Every second row
+ * of larger pixels than bytes is opaque, as most pictures are.
+ */
 class Rows
 {
 public:
@@ -78,6 +81,12 @@ public:
     {
         std::generate_n(_buffer.Data(), _buffer.Size(),
                         [&] { return static_cast<std::uint8_t>(random.Between(0, 255)); });
+        for (std::size_t y = 0; pixel_bytes == 4 && y < _buffer.Size(); y += 2 * _pitch) {
+            for (std::size_t x = 0; x < _row; x += pixel_bytes) {
+                std::uint8_t* pixel = _buffer.Data() + y + x;
+                StorePixel(pixel, LoadPixel(pixel, pixel_bytes) | 0xff000000U, pixel_bytes);
+            }
+        }
     }
 
     std::uint8_t* Data() const { return _buffer.Data(); }
@@ -185,6 +194,29 @@ TEST_P(GfxKernels, BlitStraight)
                         [&](int i) { return i == 3 ? sum(i) : sum(i) * 256 / (sum(3) + 1); });
                 },
                 4);
+}
+
+/** Each level of a channel under each level at each opacity; the three colours are alike. */
+TEST_P(GfxKernels, BlitStraightOntoOpaquePixels)
+{
+    constexpr std::uint32_t levels = 256;
+    std::vector<std::uint32_t> from(levels);
+    for (std::uint32_t alpha = 0; alpha < levels; ++alpha) {
+        for (std::uint32_t level = 0; level < levels; ++level)
+            from[level] = alpha << 24 | level * 0x010101;
+        for (std::uint32_t old = 0; old < levels; ++old) {
+            std::vector<std::uint32_t> to(levels, 0xff000000U | old * 0x010101);
+            Set().blit_straight({reinterpret_cast<std::uint8_t*>(to.data()), 0},
+                                {reinterpret_cast<const std::uint8_t*>(from.data()), 0},
+                                {static_cast<int>(levels), 1});
+            bool same = true;
+            for (std::uint32_t level = 0; level < levels; ++level) {
+                const std::uint32_t sum = level * (alpha + 1) / 256 + old * (256 - alpha) / 256;
+                same = same && to[level] == (0xff000000U | sum * 0x010101);
+            }
+            ASSERT_TRUE(same) << "alpha " << alpha << " over " << old;
+        }
+    }
 }
 
 TEST_P(GfxKernels, BlitUnder)
