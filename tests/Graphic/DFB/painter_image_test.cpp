@@ -181,9 +181,9 @@ TEST_F(PainterImage, ColoursCountAsPremultiplied)
     const PImage image = MemoryImage(Color32Bit, 1, 1, {0x40, 0x20, 0x10, 128});
     _painter->DrawImage(image, 0, 0, 0, 1, 1, 0, 0, 1, 1, 255, BlendSrcOver);
     const std::uint32_t seen = At(0, 0);
-    EXPECT_NEAR(seen >> 16 & 0xff, 0x40 + 0x20 / 2, 1);
-    EXPECT_NEAR(seen >> 8 & 0xff, 0x20 + 0x30 / 2, 1);
-    EXPECT_NEAR(seen & 0xff, 0x10 + 0x40 / 2, 1);
+    EXPECT_NEAR(seen >> 16 & 0xff, 0x40 + 0x10, 1);
+    EXPECT_NEAR(seen >> 8 & 0xff, 0x20 + 0x18, 1);
+    EXPECT_NEAR(seen & 0xff, 0x10 + 0x20, 1);
 }
 
 TEST_F(PainterImage, CopyReplacesOpacityToo)
