@@ -21,11 +21,9 @@ protected:
         Run(KESTRIN_EXAMPLES "/banner-pictures .");
         Run(KESTRIN_TOOLS "/kestrin-palette make logo.png tile.png text.png photo.png icon-*.png "
                           "banner.pal");
-        for (const char* name : {"logo", "tile", "photo", "icon"}) {
-            const std::string picture = name;
-            Run(KESTRIN_TOOLS "/kestrin-image make --palette banner.pal " + picture +
-                (picture == "icon" ? "-*.png " : ".png ") + picture + ".img");
-        }
+        for (const char* files : {"logo.png logo.img", "tile.png tile.img", "photo.png photo.img",
+                                  "icon-*.png icon.img"})
+            Run(std::string(KESTRIN_TOOLS "/kestrin-image make --palette banner.pal ") + files);
     }
     void Run(const std::string& command) const
     {
