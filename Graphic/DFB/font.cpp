@@ -103,6 +103,8 @@ private:
 
 FT_Alloc_Func ZeroedMemory::s_alloc = nullptr;
 
+constexpr int kSpace = ' ';
+
 /** Signed quotient, cut to 32 bits; 0 without a divisor. The operands leave 64 bits no overflow. */
 Int32 Divide(int64_t dividend, int64_t divisor)
 {
@@ -304,7 +306,7 @@ FT_UInt Font::GetFontIndex(WChar ch) const
         index = _index_cache[ch];
     else if (Face())
         index = FT_Get_Char_Index(Face(), ch);
-    return index ? index : _index_cache[' '];
+    return index ? index : _index_cache[kSpace];
 }
 
 void Font::GetFTFontMetrics(UInt16 font_size, FontStyle, FontMetrics* font_metrics)

@@ -486,9 +486,10 @@ TEST_F(ModifierScene, UpdatesShowWhatARepaintShowsWhileAllKindsChangeEveryFrame)
         widget->AddModifier(modifiers.back());
     }
 
+    const int frames = SeededRandom::Rounds(300);
     int changes = 0;
     auto before = Repainted();
-    for (int frame = 0; frame < SeededRandom::Rounds(300); ++frame) {
+    for (int frame = 0; frame < frames; ++frame) {
         for (const auto& modifier : modifiers)
             Animate(modifier, random);
         const auto updated = Updated();
@@ -496,7 +497,7 @@ TEST_F(ModifierScene, UpdatesShowWhatARepaintShowsWhileAllKindsChangeEveryFrame)
         changes += updated.pixels != before.pixels;
         before = updated;
     }
-    EXPECT_GT(changes, 100);
+    EXPECT_GT(changes, frames / 3);
 }
 
 } // namespace
