@@ -77,7 +77,9 @@ ZELObjPtr<IPalette> zelGetCurrentPalette()
 
 // The sink of error text. It formats and discards: a debugging build writes `text` somewhere here.
 
-void zelDebugMessage(PtrConstSChar) {}
+// Weak tells compilers that this empty body may not be the one that is called: a debugging program
+// puts its own before the library's, and Clang would otherwise leave the calls out.
+[[gnu::weak]] void zelDebugMessage(PtrConstSChar) {}
 
 void zelDebugMessage(Int32 number)
 {
