@@ -10,6 +10,8 @@
 #include "temp_directory.h"
 
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -209,15 +211,23 @@ TEST_F(ImageFileTest, FramesOfMoreThanEightBitsAreReadToTheirWidth)
     EXPECT_EQ(Frame(image, 1).At(0, 0), 9U);
 }
 
+/** What bytes are as a word, in the machine's own order. */
+std::uint32_t WordOf(const std::array<std::uint8_t, 4>& bytes)
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes.data(), sizeof word);
+    return word;
+}
+
 TEST_F(ImageFileOn32Bit, BytesOfARowAreTakenForWordsAndTheRestIsZero)
 {
     const PImage image = Read(PlainImageFile(6, 2, 1, Counting(12)));
     ASSERT_TRUE(image);
     const kestrin_display::ArgbImage drawn = Frame(image, 0);
-    EXPECT_EQ(drawn.At(0, 0), 0x04030201U);
-    EXPECT_EQ(drawn.At(1, 0), 0x00000605U);
-    EXPECT_EQ(drawn.At(0, 1), 0x0a090807U);
-    EXPECT_EQ(drawn.At(1, 1), 0x00000c0bU);
+    EXPECT_EQ(drawn.At(0, 0), WordOf({1, 2, 3, 4}));
+    EXPECT_EQ(drawn.At(1, 0), WordOf({5, 6, 0, 0}));
+    EXPECT_EQ(drawn.At(0, 1), WordOf({7, 8, 9, 10}));
+    EXPECT_EQ(drawn.At(1, 1), WordOf({11, 12, 0, 0}));
     for (int x = 2; x < 6; ++x)
         EXPECT_EQ(drawn.At(x, 0), 0U) << x;
 }
