@@ -16,6 +16,7 @@
  *     us_kpixel     a frame over a thousand changed pixels
  *     painted       pixels written (cleared, painted, copied to the display), over pixels changed;
  *                   taken in a run of its own from the calls that write them
+ *     copies        presented copies to the display in a frame, taken in the same run
  *     x_memcpy      a frame over the copying of its changed pixels, median of the quiet rounds'
  *     quiet, rounds how many rounds there were
  *
@@ -114,6 +115,7 @@ struct Answer
     double frame;       // seconds
     double copy;
     double painted; // pixels of a frame; below 0 where they cannot be counted
+    double copies;  // likewise of the display's
     bool alone;
     bool good; // the frames change what they should and nothing else
 };
@@ -145,10 +147,10 @@ private:
         answer.good = IsTrue();
         _painter->StartCounting();
         Circle();
-        const auto pixels = static_cast<double>(_painter->StopCounting());
-        answer.painted = pixels < 0 || _scene->steps.empty()
-                             ? pixels
-                             : pixels / static_cast<double>(_scene->steps.size());
+        const Work work = _painter->StopCounting();
+        const double frames = _scene->steps.empty() ? 1 : static_cast<double>(_scene->steps.size());
+        answer.painted = static_cast<double>(work.pixels) / frames;
+        answer.copies = static_cast<double>(work.copies) / frames;
         _circles = Repeats(kRoundSeconds, [this] { Circle(); });
         _copies = _scene->steps.empty() ? 0 : Repeats(kCopySeconds, [this] { Copy(); });
         return answer;
@@ -368,6 +370,8 @@ void Measure(benchmark::State& state, const Worker& worker, const Scene& scene, 
         state.counters["x_memcpy"] = Median(ratios);
         if (first.painted >= 0)
             state.counters["painted"] = first.painted / scene.ChangedPixels();
+        if (first.copies >= 0)
+            state.counters["copies"] = first.copies;
     }
     state.counters["quiet"] = static_cast<double>(quiet.size());
     state.counters["rounds"] = static_cast<double>(rounds.size());

@@ -20,10 +20,10 @@ public:
         _counting = true;
         _counted = 0;
     }
-    std::int64_t StopCounting() override
+    Work StopCounting() override
     {
         _counting = false;
-        return _counted;
+        return {_counted, -1};
     }
 
 protected:

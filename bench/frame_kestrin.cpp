@@ -20,7 +20,7 @@ namespace {
 
 using namespace zelxxx;
 
-/** Pixels that are written through DirectFB's calls on the back buffer and the display. */
+/** What is written through DirectFB's calls on the back buffer and the display. */
 class PixelCounter
 {
 public:
@@ -46,7 +46,7 @@ public:
         _watched.clear();
     }
 
-    std::int64_t pixels = 0;
+    Work work;
     bool glyphs_count_themselves = false;
 
     static PixelCounter& Get()
@@ -75,6 +75,8 @@ private:
                           const DFBRectangle_C* rect, int x, int y)
     {
         Get().Count(surface, {x, y, rect->w, rect->h});
+        if (surface == View::_primary)
+            ++Get().work.copies;
         return Get()._real.Blit(surface, source, rect, x, y);
     }
     /** What is drawn without DirectFB on an 8-bit display: a widget under its clip, or a glyph. */
@@ -90,7 +92,7 @@ private:
         // The display is never drawn on under a clip.
         if (surface != View::_primary)
             area = Intersection(area, _clip);
-        pixels += area.Area();
+        work.pixels += area.Area();
     }
 
     IDirectFBSurface _real = {};
@@ -127,7 +129,7 @@ public:
         for (int i = 0; glyph->buffer && i < count; ++i)
             buffer[i] = static_cast<SChar>(ramp[glyph->buffer[i] >> 6]);
         if (PixelCounter::Get().glyphs_count_themselves)
-            PixelCounter::Get().pixels += count;
+            PixelCounter::Get().work.pixels += count;
     }
 
 private:
@@ -243,13 +245,13 @@ public:
         counter.glyphs_count_themselves = _text && _mode == Color8Bit;
         counter.Watch(View::_primary);
         counter.Watch(SideOf<CanvasBase>(canvas)->GetSurface());
-        counter.pixels = 0;
+        counter.work = {0, 0};
     }
-    std::int64_t StopCounting() override
+    Work StopCounting() override
     {
         PixelCounter::Get().Release();
         PixelCounter::Get().glyphs_count_themselves = false;
-        return PixelCounter::Get().pixels;
+        return PixelCounter::Get().work;
     }
 
 private:

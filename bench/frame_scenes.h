@@ -106,6 +106,13 @@ constexpr std::uint8_t kBackgroundIndex = 53;
 /** All scenes at 1280 x 720 in 32 bits, or at 720 x 576 in palette indices. */
 std::vector<Scene> MakeScenes(bool palette);
 
+/** What frames did; below 0 what cannot be counted. */
+struct Work
+{
+    std::int64_t pixels = -1; // written
+    std::int64_t copies = -1; // to the display, each of them presented
+};
+
 class FramePainter
 {
 public:
@@ -119,10 +126,10 @@ public:
     virtual void Idle() {}
     /** The words or indices on the screen. */
     virtual std::vector<std::uint32_t> Screen() const = 0;
-    /** Counts the pixels that are written from now on. */
+    /** Counts what is done from now on. */
     virtual void StartCounting() {}
-    /** Ends that; below 0 where they cannot be counted. */
-    virtual std::int64_t StopCounting() { return -1; }
+    /** Ends that. */
+    virtual Work StopCounting() { return {}; }
 };
 
 /** Those that the build found have a definition. */

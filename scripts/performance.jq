@@ -120,10 +120,33 @@ else empty end),
 "",
 "A frame clears, paints and copies each changed band with calls of its own, each of which costs 250 to",
 "500 ns in DirectFB before its first pixel; every change of drawing state is examined anew by the next",
-"call that draws. Every copied band is presented, which wakes a thread of DirectFB: some 2 us each, and",
-"with a dozen bands the most of a frame that moves something small. Glyphs are a lock of a surface and a",
-"blend each. Widgets are painted where they will be seen only, until a scene fills in copy mode",
-"(`BlendSrcCopy`): from then on clears may blend, and widgets are painted whole.",
+"call that draws. Every copied band is presented, which wakes a thread of DirectFB. What moves has three",
+"bands a frame (`copies` of frame_bench). For a glyph a surface is locked and released, the state changed",
+"three times, and one blend done.",
+"",
+($programs | {presented: counter("painter"; "canvas_to_view/1x1"; "bare_ns"),
+    glyph: counter("painter"; "glyph/16x16"; "bare_ns")}) as $bare
+| (if $bare.presented and $bare.glyph then
+"DirectFB's bare calls, one after another, take \($bare.presented | digits) ns for a presented copy of one"
++ " pixel, more when its",
+"thread has gone to sleep, and \($bare.glyph | digits) ns for a glyph of 16 x 16. As often as a scene needs"
++ " them that is, in",
+"times of its `memcpy`:",
+"",
+([["mover_1000", "presented copies", null], ["mover_10000", "presented copies", null],
+  ["fade", "presented copies", null], ["sprite", "presented copies", null],
+  ["subtitle", "glyphs", 80], ["page", "glyphs", 1000]]
+ | map(. as [$case, $call, $count] | "\($case)/32/kestrin" as $name
+    | ($programs | counter("frame"; $name; "us_frame") / counter("frame"; $name; "x_memcpy")) as $copy
+    | ($count // ($programs | counter("frame"; $name; "copies"))) as $calls
+    | (frame_cases | map(select(.[0] == $case)) | first) as [$_, $what, $goal]
+    | [$what, "\($calls) \($call)", "\($goal)",
+       ($calls * (if $count then $bare.glyph else $bare.presented end) / 1000 / $copy | cell)])
+ | table(["scene", "needs", "goal", "these alone"])),
+""
+else empty end),
+"Widgets are painted where they will be seen only, until a scene fills in copy mode (`BlendSrcCopy`):",
+"from then on clears may blend, and widgets are painted whole.",
 "",
 "## All figures",
 "",
