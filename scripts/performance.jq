@@ -133,15 +133,13 @@ else empty end),
 + " them that is, in",
 "times of its `memcpy`:",
 "",
-([["mover_1000", "presented copies", null], ["mover_10000", "presented copies", null],
-  ["fade", "presented copies", null], ["sprite", "presented copies", null],
-  ["subtitle", "glyphs", 80], ["page", "glyphs", 1000]]
- | map(. as [$case, $call, $count] | "\($case)/32/kestrin" as $name
-    | ($programs | counter("frame"; $name; "us_frame") / counter("frame"; $name; "x_memcpy")) as $copy
-    | ($count // ($programs | counter("frame"; $name; "copies"))) as $calls
-    | (frame_cases | map(select(.[0] == $case)) | first) as [$_, $what, $goal]
-    | [$what, "\($calls) \($call)", "\($goal)",
-       ($calls * (if $count then $bare.glyph else $bare.presented end) / 1000 / $copy | cell)])
+([frame_cases[] as [$case, $what, $goal] | $programs
+  | [counter("frame"; "\($case)/32/kestrin"; "us_frame", "x_memcpy", "copies")] as [$us, $times, $copies]
+  | select($goal and $us)
+  | {subtitle: 80, page: 1000}[$case] as $glyphs
+  | (if $glyphs then [$glyphs, "glyphs", $bare.glyph]
+     else [$copies, "presented copies", $bare.presented] end) as [$calls, $name, $ns]
+  | [$what, "\($calls) \($name)", "\($goal)", ($calls * $ns / 1000 / ($us / $times) | cell)]]
  | table(["scene", "needs", "goal", "these alone"])),
 ""
 else empty end),
