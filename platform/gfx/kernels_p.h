@@ -204,11 +204,12 @@ struct Straight
     template <class V>
     KESTRIN_INLINE typename V::U32 Apply(typename V::U32 to, typename V::U32 from) const
     {
+        const auto added = Premultiply<V>(from);
         const auto keep = Both<V>(256 - (from >> 24));
         // Opaque pixels stay so, and multiplying and dividing by their alpha change nothing.
         if (AreOpaque<V>(to))
-            return Premultiply<V>(from) + Scale<V>(to, keep);
-        return Demultiply<V>(Premultiply<V>(from) + Scale<V>(Premultiply<V>(to), keep));
+            return added + Scale<V>(to, keep);
+        return Demultiply<V>(added + Scale<V>(Premultiply<V>(to), keep));
     }
 };
 
@@ -320,13 +321,10 @@ KESTRIN_INLINE Small::U32 LoadFew(const std::uint8_t* from, int pixels)
 {
     const auto pixel = [&](int i) {
         std::uint32_t value = 0;
-        if constexpr (Bytes == 4) {
-            if (i < pixels)
-                std::memcpy(&value, from + 4 * i, 4);
-        } else if constexpr (Bytes == 1) {
-            if (i < pixels)
-                value = from[i];
-        }
+        if (Bytes == 4 && i < pixels)
+            std::memcpy(&value, from + 4 * i, 4);
+        if (Bytes == 1 && i < pixels)
+            value = from[i];
         return value;
     };
     return Small::U32{pixel(0), pixel(1), pixel(2), 0};

@@ -5,17 +5,17 @@
 #include "engine_display.h"
 #include "image_support.h"
 #include "nrv2b_stream.h"
+#include "pixel_bytes.h"
 #include "surface_of.h"
 #include "surface_pixels.h"
 #include "temp_directory.h"
 
 #include <array>
-#include <cstdint>
-#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
 
+using kestrin_display::LoadPixel;
 using kestrin_test::EngineDisplay;
 using kestrin_test::ImageFile;
 using kestrin_test::Nrv2bStream;
@@ -211,23 +211,15 @@ TEST_F(ImageFileTest, FramesOfMoreThanEightBitsAreReadToTheirWidth)
     EXPECT_EQ(Frame(image, 1).At(0, 0), 9U);
 }
 
-/** What bytes are as a word, in the machine's own order. */
-std::uint32_t WordOf(const std::array<std::uint8_t, 4>& bytes)
-{
-    std::uint32_t word = 0;
-    std::memcpy(&word, bytes.data(), sizeof word);
-    return word;
-}
-
 TEST_F(ImageFileOn32Bit, BytesOfARowAreTakenForWordsAndTheRestIsZero)
 {
     const PImage image = Read(PlainImageFile(6, 2, 1, Counting(12)));
     ASSERT_TRUE(image);
     const kestrin_display::ArgbImage drawn = Frame(image, 0);
-    EXPECT_EQ(drawn.At(0, 0), WordOf({1, 2, 3, 4}));
-    EXPECT_EQ(drawn.At(1, 0), WordOf({5, 6, 0, 0}));
-    EXPECT_EQ(drawn.At(0, 1), WordOf({7, 8, 9, 10}));
-    EXPECT_EQ(drawn.At(1, 1), WordOf({11, 12, 0, 0}));
+    EXPECT_EQ(drawn.At(0, 0), LoadPixel("\x01\x02\x03\x04", 4));
+    EXPECT_EQ(drawn.At(1, 0), LoadPixel("\x05\x06\x00\x00", 4));
+    EXPECT_EQ(drawn.At(0, 1), LoadPixel("\x07\x08\x09\x0a", 4));
+    EXPECT_EQ(drawn.At(1, 1), LoadPixel("\x0b\x0c\x00\x00", 4));
     for (int x = 2; x < 6; ++x)
         EXPECT_EQ(drawn.At(x, 0), 0U) << x;
 }
